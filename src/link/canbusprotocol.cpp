@@ -1,0 +1,12 @@
+#include "canbusprotocol.h"
+
+namespace canbus {
+
+CanbusProtocol::CanbusProtocol(QObject *parent)
+    : QObject(parent)
+{
+}
+
+CanbusProtocol::~CanbusProtocol() = default;
+
+} // namespace canbus

@@ -1,0 +1,147 @@
+#include "sendqueue.h"
+
+#include "frameformat.h"
+#include "support/bytes.h"
+#include "wireconstants.h"
+
+namespace canbus {
+
+namespace {
+
+constexpr int kIdIndex = 2;
+
+void write(LinkEffects &effects, const QByteArray &frame)
+{
+    effects.push_back({LinkEffect::Write, frame});
+}
+
+void start(LinkEffects &effects, LinkTimer timer)
+{
+    effects.push_back({LinkEffect::StartTimer, {}, timer});
+}
+
+void stop(LinkEffects &effects, LinkTimer timer)
+{
+    effects.push_back({LinkEffect::StopTimer, {}, timer});
+}
+
+QByteArray connectionFrame(quint8 id, quint8 purpose)
+{
+    return frame::FrameWriter(id).escaped(quint8(Command::Connection)).escaped(0).escaped(0).escaped(purpose).finish();
+}
+
+} // namespace
+
+bool SendQueue::enqueue(const QByteArray &frame, LinkEffects &effects)
+{
+    if (m_cache.size() >= kCacheBound)
+        return false;
+    m_cache.append(frame);
+    restart(effects);
+    return true;
+}
+
+void SendQueue::restart(LinkEffects &effects)
+{
+    if (m_cache.isEmpty())
+        return;
+    takeHead();
+    // Not reset: a head that is restarted by each command behind it is given up the sooner.
+    ++m_transmissions;
+    write(effects, m_current);
+    start(effects, LinkTimer::Send);
+}
+
+bool SendQueue::resend(LinkEffects &effects)
+{
+    if (m_cache.isEmpty()) {
+        dropCurrent();
+        return true;
+    }
+    if (m_transmissions < kMaxTransmissions) {
+        ++m_transmissions;
+        write(effects, m_current);
+        return false;
+    }
+    if (!m_handshaking) {
+        stop(effects, LinkTimer::CheckConnect);
+        start(effects, LinkTimer::RequestConnect);
+        effects.push_back({LinkEffect::LinkDown});
+    }
+    m_cache.removeOne(m_current);
+    dropCurrent();
+    if (m_cache.isEmpty())
+        return true;
+    // Not sent here: the next expiry does it, as the first transmission.
+    takeHead();
+    return false;
+}
+
+void SendQueue::answered(quint8 id, LinkEffects &effects)
+{
+    if (id != m_currentId)
+        return;
+    m_cache.removeOne(m_current);
+    dropCurrent();
+    if (m_cache.isEmpty())
+        stop(effects, LinkTimer::Send);
+    else
+        restart(effects);
+}
+
+void SendQueue::confirmLink(quint8 id, LinkEffects &effects) const
+{
+    if (id == connectionId())
+        effects.push_back({LinkEffect::LinkUp});
+}
+
+void SendQueue::requestConnect(LinkEffects &effects)
+{
+    m_handshaking = true;
+    m_cache.append(connectionFrame(kConnectRequestId, kConnectRequest));
+    restart(effects);
+}
+
+void SendQueue::boxReady(const QByteArray &id, LinkEffects &effects)
+{
+    m_handshaking = false;
+    m_connectionId = id;
+    stop(effects, LinkTimer::RequestConnect);
+    start(effects, LinkTimer::CheckConnect);
+}
+
+void SendQueue::boxNotReady(LinkEffects &effects) const
+{
+    stop(effects, LinkTimer::CheckConnect);
+}
+
+void SendQueue::checkConnect(LinkEffects &effects)
+{
+    m_cache.append(connectionCheck(connectionId()));
+    restart(effects);
+}
+
+QByteArray SendQueue::connectionCheck(quint8 id)
+{
+    return connectionFrame(id, kConnectionCheck);
+}
+
+quint8 SendQueue::connectionId() const
+{
+    return firstByte(m_connectionId);
+}
+
+void SendQueue::takeHead()
+{
+    m_current = m_cache.first();
+    m_currentId = byteAt(m_current, kIdIndex);
+}
+
+void SendQueue::dropCurrent()
+{
+    m_current.clear();
+    m_currentId = 0;
+    m_transmissions = 0;
+}
+
+} // namespace canbus

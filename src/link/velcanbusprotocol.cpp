@@ -1,0 +1,245 @@
+#include "velcanbusprotocol.h"
+
+#include "frameformat.h"
+#include "player/canbusdatamap.h"
+#include "player/canbusplayer.h"
+#include "receivepath.h"
+#include "support/bytes.h"
+#include "support/threadsatexit.h"
+#include "velcanbusprotocol_p.h"
+#include "wireconstants.h"
+
+#include <algorithm>
+
+namespace canbus {
+
+void FrameDataFormat::clear()
+{
+    id.clear();
+    TP.clear();
+    MOD.clear();
+    DATA.clear();
+    CS = 0;
+}
+
+VelCanBusProtocol::VelCanBusProtocol(QObject *parent)
+    : CanbusProtocol(parent)
+    , d(std::make_unique<VelCanBusProtocolPrivate>(this))
+{
+    d->checkConnectTimer.setInterval(SendQueue::kCheckConnectIntervalMs);
+    connect(&d->checkConnectTimer, &QTimer::timeout, this, &VelCanBusProtocol::onCheckConnectTmrout);
+    d->requestConnectTimer.setInterval(SendQueue::kRequestConnectIntervalMs);
+    d->requestConnectTimer.start();
+    connect(&d->requestConnectTimer, &QTimer::timeout, this, &VelCanBusProtocol::onRequestConnect);
+    d->sendTimer.setInterval(SendQueue::kResendIntervalMs);
+    connect(&d->sendTimer, &QTimer::timeout, this, &VelCanBusProtocol::onSendTmrout);
+
+    connect(CanBusPlayer::instance(), &CanBusPlayer::sendCmdData, this, &VelCanBusProtocol::onSaveSendCmdData);
+
+    // The parser thread uses these two: they must be there before it is registered for the exit.
+    CanBusReadBuff::instance();
+    CanBusDataMap::instance();
+    auto *tickThread = new CanbusTickThread(nullptr, this);
+    d->tickThread = tickThread;
+    tickThread->start();
+    threadsAtExit::add(tickThread, [tickThread] { tickThread->stop(); });
+}
+
+VelCanBusProtocol::~VelCanBusProtocol()
+{
+    d->tickThread->stop();
+    d->tickThread->wait();
+    threadsAtExit::remove(d->tickThread);
+    delete d->tickThread;
+}
+
+void VelCanBusProtocol::analyseData(QByteArray data)
+{
+    d->testBuffer += data;
+    TestSerialPort();
+}
+
+void VelCanBusProtocol::TestSerialPort()
+{
+    static const QByteArray question("121314151617");
+    const QByteArray heard = std::exchange(d->testBuffer, QByteArray());
+
+    const int compared = std::min(heard.size(), question.size());
+    const auto differing = std::mismatch(heard.begin(), heard.begin() + compared, question.begin());
+    const int matched = int(differing.first - heard.begin());
+    const bool tooLong = matched == question.size() && heard.size() > question.size();
+    // Lenient on purpose: one matching byte is enough, whatever follows it.
+    if (matched > 0 && !tooLong)
+        d->writeThrough(QByteArrayLiteral("716151413121"));
+}
+
+void VelCanBusProtocol::onParseDataTmrout()
+{
+    // A slot that is connected directly may come back here while the frame is still in the buffer.
+    if (d->inPass)
+        return;
+    d->inPass = true;
+    receive::runPass(CanBusReadBuff::instance()->data, *this);
+    d->inPass = false;
+}
+
+int VelCanBusProtocol::onSearchDLE()
+{
+    const receive::Start start = receive::findStart(CanBusReadBuff::instance()->data);
+    d->markers = start.markers;
+    return start.index;
+}
+
+int VelCanBusProtocol::onSearchDLE_ETX(int start)
+{
+    const receive::End end = receive::findEnd(CanBusReadBuff::instance()->data, start);
+    // On every pass until the missing byte has come, as the box expects it.
+    if (end.escapeIsLast && d->markers.stx)
+        receiveModuleNAck();
+    return end.index;
+}
+
+void VelCanBusProtocol::onRemoveEscapeFrameHeaders(int start, int end)
+{
+    receive::unescape(CanBusReadBuff::instance()->data, start, end);
+}
+
+bool VelCanBusProtocol::checkXOR(int start, int end)
+{
+    d->decoded.clear();
+    const receive::Check check = receive::checkFrame(CanBusReadBuff::instance()->data, start, end);
+    d->decoded.CS = check.computed;
+    return check.holds;
+}
+
+void VelCanBusProtocol::onProcessingFrameData(int start, int end)
+{
+    if (end != -1)
+        d->frameBytes = CanBusReadBuff::instance()->data.mid(start, end - start);
+}
+
+void VelCanBusProtocol::onCategoryDataProcessing()
+{
+    if (d->markers.nack) {
+        CANBUS_DEBUG() << "is DLE NACK";
+        onReceiveSaveNACKData();
+    } else if (d->markers.ack) {
+        CANBUS_DEBUG() << "is DLE ACK";
+        onReceiveSaveACKData();
+    } else if (d->markers.stx) {
+        CANBUS_DEBUG() << "is DLE STX";
+        onReceiveSaveData();
+    } else {
+        CANBUS_ERROR() << "Error parsing data";
+        d->frameBytes.clear();
+    }
+}
+
+void VelCanBusProtocol::onReceiveSaveData()
+{
+    QByteArray &rest = d->frameBytes;
+    if (rest.isEmpty())
+        return;
+    d->decoded.id = rest.left(1);
+    removeData1Bit(rest);
+    if (!rest.isEmpty())
+        d->decoded.TP = rest.left(1);
+    removeData1Bit(rest);
+    if (!rest.isEmpty())
+        d->decoded.MOD = rest.left(1);
+    removeData1Bit(rest);
+    d->decoded.DATA += receive::takePayload(rest, d->decoded.CS);
+    d->decoded.LogFrameData();
+    onAllocateData();
+    receiveModuleAck();
+}
+
+void VelCanBusProtocol::removeData1Bit(QByteArray &data)
+{
+    if (data.isEmpty())
+        CANBUS_DEBUG() << "Insufficient data length, removal failed.";
+    else
+        data.remove(0, 1);
+}
+
+void VelCanBusProtocol::receiveModuleAck()
+{
+    d->writeThrough(frame::buildAnswer(frame::kAck, d->decoded.id));
+}
+
+void VelCanBusProtocol::receiveModuleNAck()
+{
+    d->writeThrough(frame::buildAnswer(frame::kNack, d->decoded.id));
+}
+
+void VelCanBusProtocol::onReceiveSaveACKData()
+{
+    if (d->frameBytes.isEmpty())
+        return;
+    const quint8 id = firstByte(d->frameBytes);
+    const quint8 currentId = d->look([](const SendQueue &queue) { return queue.currentId(); });
+    CANBUS_DEBUG() << "ack id---" << log::hex(id) << log::hex(currentId);
+    removeSendCmdData(char(id));
+    d->act([id](SendQueue &queue, LinkEffects &effects) { queue.confirmLink(id, effects); });
+}
+
+void VelCanBusProtocol::onReceiveSaveNACKData()
+{
+    if (d->frameBytes.isEmpty())
+        return;
+    const quint8 id = firstByte(d->frameBytes);
+    const quint8 currentId = d->look([](const SendQueue &queue) { return queue.currentId(); });
+    CANBUS_DEBUG() << "nack id---" << log::hex(id) << log::hex(currentId);
+    removeSendCmdData(char(id));
+}
+
+void VelCanBusProtocol::restartSendTmr()
+{
+    d->act([](SendQueue &queue, LinkEffects &effects) { queue.restart(effects); });
+}
+
+void VelCanBusProtocol::removeSendCmdData(char id)
+{
+    d->act([id](SendQueue &queue, LinkEffects &effects) { queue.answered(quint8(id), effects); });
+}
+
+void VelCanBusProtocol::onCheckConnectTmrout()
+{
+    const quint8 id = d->look([](const SendQueue &queue) { return queue.connectionId(); });
+    CANBUS_DEBUG() << log::hex(id) << SendQueue::connectionCheck(id);
+    d->act([](SendQueue &queue, LinkEffects &effects) { queue.checkConnect(effects); });
+}
+
+void VelCanBusProtocol::onRequestConnect()
+{
+    d->act([](SendQueue &queue, LinkEffects &effects) { queue.requestConnect(effects); });
+}
+
+void VelCanBusProtocol::onSendTmrout()
+{
+    struct {
+        bool handshaking;
+        int transmissions;
+        int cachedFrames;
+    } before = d->look([](const SendQueue &queue) {
+        return decltype(before) {queue.isHandshaking(), queue.transmissions(), queue.cachedFrames()};
+    });
+    if (!before.handshaking)
+        CANBUS_DEBUG() << before.transmissions << (before.cachedFrames == 0) << before.cachedFrames;
+
+    d->act([this](SendQueue &queue, LinkEffects &effects) {
+        // Directly, unlike all other starts and stops: this is the timer's own thread.
+        if (queue.resend(effects))
+            d->sendTimer.stop();
+    });
+}
+
+void VelCanBusProtocol::onSaveSendCmdData(QByteArray data)
+{
+    bool accepted = false;
+    d->act([&](SendQueue &queue, LinkEffects &effects) { accepted = queue.enqueue(data, effects); });
+    if (!accepted)
+        CANBUS_ERROR() << "canbus sendCacheBuffer is full !!!";
+}
+
+} // namespace canbus

@@ -1,0 +1,180 @@
+#pragma once
+
+#include "canbusexport.h"
+#include "canbuslog.h"
+#include "canbusprotocol.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QMutex>
+#include <QtCore/QThread>
+
+#include <atomic>
+#include <memory>
+
+namespace canbus {
+
+class VelCanBusProtocol;
+class VelCanBusProtocolPrivate;
+
+/// The received bytes that no frame has been made of yet: one buffer for the process.
+///
+/// The serial port's thread appends to it, the parser thread consumes it. Lock `mutex` around every access
+/// to `data`. The parser thread holds it for a whole pass, dispatch of the frame included.
+class CANBUS_EXPORT CanBusReadBuff : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Made on first use, on any thread; destroyed when the process exits.
+    static CanBusReadBuff *instance();
+
+    QByteArray data; ///< in order of arrival, still escaped
+    QMutex mutex; ///< not recursive
+
+private:
+    CanBusReadBuff() = default;
+};
+
+/// One decoded data frame. The protocol owns one and uses it for every frame; the parser thread alone
+/// touches it.
+class CANBUS_EXPORT FrameDataFormat : public QObject
+{
+    Q_OBJECT
+
+public:
+    FrameDataFormat() = default;
+
+    /// Writes all fields to the debug log.
+    void LogFrameData() const
+    {
+        CANBUS_DEBUG() << "id-" << id << "TP-" << TP << "MOD-" << MOD << "DATA-" << DATA << "CS-" << log::hex(CS);
+    }
+
+    /// Empties all fields.
+    void clear();
+
+    QByteArray id; ///< one byte, or none where the frame was too short
+    QByteArray TP; ///< category, one byte or none
+    QByteArray MOD; ///< sub-type, one byte or none
+    QByteArray DATA; ///< payload, unescaped, any length
+    quint8 CS = 0; ///< the XOR over the frame
+};
+
+/// The parser thread: every 10 ms one parsing pass of its protocol under the mutex of CanBusReadBuff, so at
+/// most one frame is consumed in 10 ms.
+///
+/// Runs until stop() is called. The protocol that made it stops it and waits for it.
+class CANBUS_EXPORT CanbusTickThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    /// @param protocol  driven by this thread; must outlive it. Null: the thread only ticks
+    CanbusTickThread(QObject *parent, VelCanBusProtocol *protocol);
+
+    /// Lets the loop end after the current pass. Does not wait. Usable on every thread.
+    void stop();
+
+protected:
+    void run() override;
+
+private:
+    VelCanBusProtocol *m_protocol;
+    std::atomic<bool> m_running {true};
+};
+
+/// The link protocol of the interface box: finds frames in the receive buffer, acknowledges and dispatches
+/// them, sends commands until they are answered, and keeps the link alive.
+///
+/// Create it on the host's main thread, after which it connects itself to CanBusPlayer::sendCmdData(), its
+/// parser thread runs, and the first connect request follows after two seconds. Give it to
+/// CanBusPlayer::init(). It may be deleted, on its own thread, and a new one made; a host that leaves it
+/// alive at the end of the process does no harm.
+///
+/// Threads: the receive path (the steps of a pass, the answers, the parse operations) runs on the parser
+/// thread; the timers' slots and commands run on the protocol's own. What both use, the state of sending,
+/// has a lock, which is never held while a signal is emitted: a directly connected slot may call every
+/// operation here. Signals about writing and about the link's state come out in the order of the decisions
+/// behind them, on whichever of the two threads is at it.
+class CANBUS_EXPORT VelCanBusProtocol : public CanbusProtocol
+{
+    Q_OBJECT
+
+public:
+    explicit VelCanBusProtocol(QObject *parent = nullptr);
+
+    /// Stops the parser thread and waits for the pass that it may be in.
+    ~VelCanBusProtocol() override;
+
+    /// Feeds the serial loop-back test: bytes that begin with '1' are answered by the text "716151413121".
+    void analyseData(QByteArray data) override;
+    void TestSerialPort();
+
+    // The steps of a parsing pass, all over the data of CanBusReadBuff, whose mutex the caller holds.
+
+    /// Searches the opening mark. @return the index behind it, or -1
+    int onSearchDLE();
+    /// Searches the closing mark. Sends a NACK when a data frame's closing escape waits for its second byte.
+    /// @return the index behind it, or -1
+    int onSearchDLE_ETX(int start);
+    void onRemoveEscapeFrameHeaders(int start, int end);
+    /// Clears the decoded frame and computes its check byte. @return whether the frame's own is the same
+    bool checkXOR(int start, int end);
+    /// Takes the bytes of the frame out of the buffer's data, closing mark included.
+    void onProcessingFrameData(int start, int end);
+    /// Hands the frame to its handling: NACK, ACK or data.
+    void onCategoryDataProcessing();
+    /// Decodes a data frame, dispatches and acknowledges it.
+    void onReceiveSaveData();
+    /// Removes the first byte; logs where there is none.
+    void removeData1Bit(QByteArray &data);
+    /// Calls the parse operation of the decoded frame's category. A category without one is passed over.
+    void onAllocateData();
+
+    // The answers.
+
+    void receiveModuleAck(); ///< sends an ACK with the id of the decoded frame
+    void receiveModuleNAck(); ///< sends a NACK with the id of the decoded frame, of the last one or none
+    void onReceiveSaveACKData(); ///< an ACK has arrived
+    void onReceiveSaveNACKData(); ///< a NACK has arrived: it removes the frame just as an ACK does
+
+    // The send cache.
+
+    /// Sends the head of the cache and restarts the period of retransmission.
+    void restartSendTmr();
+    /// Removes the frame under way if it has this id, and sends the next.
+    void removeSendCmdData(char id);
+
+    // The parse operations: each stores the frame's record in CanBusDataMap and emits the category's signal.
+
+    void parse_GetVersion(FrameDataFormat *frame); ///< no signal: the box's part of the handshake
+    void parse_ScreensInfo(FrameDataFormat *frame);
+    void parse_ClimateInfo(FrameDataFormat *frame);
+    void parse_GaugesInfo(FrameDataFormat *frame);
+    void parse_VehicleInfo(FrameDataFormat *frame);
+    void parse_ParingAssistInfo(FrameDataFormat *frame);
+    void parse_ScreensTransition(FrameDataFormat *frame);
+    void parse_TextScreen(FrameDataFormat *frame);
+
+public Q_SLOTS:
+    /// One parsing pass. The caller holds the mutex of CanBusReadBuff.
+    void onParseDataTmrout();
+    /// Sends a connection check.
+    void onCheckConnectTmrout();
+    /// Sends a connect request; until the box is ready, frames that are given up are not a lost link.
+    void onRequestConnect();
+    /// Resends the current frame, or gives it up after its third transmission. Call it on the protocol's
+    /// thread.
+    void onSendTmrout();
+    /// Caches one complete frame and sends the head of the cache. With 65 frames cached it is refused, which
+    /// is logged.
+    void onSaveSendCmdData(QByteArray data);
+
+private:
+    using ParseOperation = void (VelCanBusProtocol::*)(FrameDataFormat *);
+    static ParseOperation parseOperationFor(quint8 tp);
+
+    std::unique_ptr<VelCanBusProtocolPrivate> d;
+};
+
+} // namespace canbus

@@ -1,0 +1,70 @@
+#include "velcanbusprotocol_p.h"
+
+#include <QtCore/QMetaObject>
+
+#include <utility>
+
+namespace canbus {
+
+VelCanBusProtocolPrivate::VelCanBusProtocolPrivate(VelCanBusProtocol *protocol)
+    : q(protocol)
+{
+}
+
+void VelCanBusProtocolPrivate::writeThrough(const QByteArray &block)
+{
+    act([&block](SendQueue &, LinkEffects &effects) { effects.push_back({LinkEffect::Write, block}); });
+}
+
+void VelCanBusProtocolPrivate::carryOut()
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_carryingOut)
+        return; // by the other thread, or further up on this one
+    m_carryingOut = true;
+    while (!m_effects.empty()) {
+        const LinkEffect effect = std::move(m_effects.front());
+        m_effects.pop_front();
+        lock.unlock();
+        perform(effect);
+        lock.relock();
+    }
+    m_carryingOut = false;
+}
+
+void VelCanBusProtocolPrivate::perform(const LinkEffect &effect)
+{
+    switch (effect.kind) {
+    case LinkEffect::Write:
+        Q_EMIT q->onWritPortData(effect.frame);
+        break;
+    case LinkEffect::StartTimer:
+        // Queued: the timers belong to the protocol's thread, and this may be the parser's.
+        QMetaObject::invokeMethod(timerFor(effect.timer), "start", Qt::QueuedConnection);
+        break;
+    case LinkEffect::StopTimer:
+        QMetaObject::invokeMethod(timerFor(effect.timer), "stop", Qt::QueuedConnection);
+        break;
+    case LinkEffect::LinkUp:
+        Q_EMIT q->notifyCanbusStatus(true);
+        break;
+    case LinkEffect::LinkDown:
+        Q_EMIT q->notifyCanbusStatus(false);
+        break;
+    }
+}
+
+QTimer *VelCanBusProtocolPrivate::timerFor(LinkTimer timer)
+{
+    switch (timer) {
+    case LinkTimer::RequestConnect:
+        return &requestConnectTimer;
+    case LinkTimer::CheckConnect:
+        return &checkConnectTimer;
+    case LinkTimer::Send:
+        break;
+    }
+    return &sendTimer;
+}
+
+} // namespace canbus

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "receivepath.h"
+#include "sendqueue.h"
+#include "velcanbusprotocol.h"
+
+#include <QtCore/QMutex>
+#include <QtCore/QTimer>
+
+namespace canbus {
+
+/// What the protocol object is made of, by the threads that touch it.
+class VelCanBusProtocolPrivate
+{
+public:
+    explicit VelCanBusProtocolPrivate(VelCanBusProtocol *protocol);
+
+    /// Lets `decide(queue, effects)` change the state of sending under its lock, then carries the effects
+    /// out without it. The effects of all threads go through one list, and one thread at a time works it
+    /// off: so their order is that of the decisions, and nobody waits for foreign code.
+    template <class Decide>
+    void act(Decide &&decide)
+    {
+        {
+            QMutexLocker lock(&m_mutex);
+            decide(m_queue, m_effects);
+        }
+        carryOut();
+    }
+
+    /// Reads the state of sending under its lock.
+    template <class Read>
+    auto look(Read &&read)
+    {
+        QMutexLocker lock(&m_mutex);
+        return read(m_queue);
+    }
+
+    /// Writes a block that no answer is expected for, in order with all others.
+    void writeThrough(const QByteArray &block);
+
+    // Protocol's thread.
+    QTimer checkConnectTimer;
+    QTimer requestConnectTimer;
+    QTimer sendTimer;
+    QByteArray testBuffer;
+
+    // Parser thread, or whoever else holds the mutex of CanBusReadBuff.
+    bool inPass = false;
+    receive::Markers markers;
+    QByteArray frameBytes;
+    FrameDataFormat decoded;
+
+    // Set in the protocol's constructor and destructor.
+    CanbusTickThread *tickThread = nullptr;
+
+private:
+    void carryOut();
+    void perform(const LinkEffect &effect);
+    QTimer *timerFor(LinkTimer timer);
+
+    VelCanBusProtocol *const q;
+
+    QMutex m_mutex; // guards all below; taken by both threads, held for no call to others
+    SendQueue m_queue;
+    LinkEffects m_effects;
+    bool m_carryingOut = false;
+};
+
+} // namespace canbus

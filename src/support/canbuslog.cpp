@@ -1,0 +1,79 @@
+#include "canbuslog.h"
+
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace canbus::log {
+
+namespace {
+
+QByteArray kernelThreadId()
+{
+    // Asked once for each thread: the call would cost more than the rest of the line.
+    static thread_local const QByteArray id = QByteArray::number(qint64(::syscall(SYS_gettid)));
+    return id;
+}
+
+} // namespace
+
+Line::Line(QtMsgType level, const Origin &origin)
+    : m_level(level)
+    , m_origin(origin)
+{
+    m_text.reserve(256);
+    m_text += level == QtDebugMsg ? QLatin1String("[DBG] ") : QLatin1String("[ERR] ");
+    m_text += QLatin1String(kernelThreadId());
+    m_text += QLatin1Char(' ');
+    m_text += QLatin1String(origin.signature);
+    m_text += QLatin1Char(' ');
+    m_text += QString::number(origin.line);
+    m_text += QLatin1String(" --");
+}
+
+Line::~Line()
+{
+    const QMessageLogContext context(m_origin.file, m_origin.line, m_origin.signature, "default");
+    qt_message_output(m_level, context, m_text);
+}
+
+Line &Line::operator<<(const char *text)
+{
+    m_text += QLatin1Char(' ');
+    m_text += QString::fromUtf8(text);
+    return *this;
+}
+
+Line &Line::operator<<(bool flag)
+{
+    return *this << (flag ? "true" : "false");
+}
+
+Line &Line::operator<<(int number)
+{
+    m_text += QLatin1Char(' ');
+    m_text += QString::number(number);
+    return *this;
+}
+
+Line &Line::operator<<(Hex number)
+{
+    m_text += QLatin1Char(' ');
+    m_text += QString::number(number.value, 16);
+    return *this;
+}
+
+Line &Line::operator<<(const QByteArray &bytes)
+{
+    m_text += QLatin1Char(' ');
+    m_text += QLatin1String(bytes.toHex());
+    return *this;
+}
+
+Line &Line::operator<<(AsIs raw)
+{
+    m_text += QLatin1Char(' ');
+    QDebug(&m_text).nospace() << raw.bytes;
+    return *this;
+}
+
+} // namespace canbus::log

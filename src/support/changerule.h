@@ -1,0 +1,29 @@
+#pragma once
+
+#include <utility>
+
+/// The rule by which a received item counts as news. Pure functions.
+namespace canbus {
+
+/// Stores `next` when it differs from what is stored. @return whether it did
+template <class T>
+bool replaceIfChanged(T &stored, T next)
+{
+    if (stored == next)
+        return false;
+    stored = std::move(next);
+    return true;
+}
+
+/// As replaceIfChanged(), for lists and texts of which an empty one is announced each time it arrives:
+/// equal items count as unchanged only when there is something in them.
+template <class T>
+bool replaceIfChangedOrEmpty(T &stored, T next)
+{
+    if (stored == next && !stored.isEmpty())
+        return false;
+    stored = std::move(next);
+    return true;
+}
+
+} // namespace canbus

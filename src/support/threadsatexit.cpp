@@ -1,0 +1,73 @@
+#include "threadsatexit.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QMutex>
+#include <QtCore/QThread>
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
+
+namespace canbus::threadsAtExit {
+
+namespace {
+
+/// How long an exiting process waits for one thread: one that is held up by the host's own code must not
+/// hold up the exit.
+constexpr unsigned long kLongestWaitMs = 400;
+
+struct Entry {
+    QThread *thread;
+    std::function<void()> requestEnd;
+};
+
+struct Registry {
+    QMutex mutex; // guards entries; not held while a thread is told to end or waited for
+    std::vector<Entry> entries;
+};
+
+Registry &registry()
+{
+    // Never destroyed: the last thread may be forgotten after the last static object is gone.
+    static Registry *const it = new Registry;
+    return *it;
+}
+
+void endAll()
+{
+    std::vector<Entry> ending;
+    {
+        QMutexLocker lock(&registry().mutex);
+        ending.swap(registry().entries);
+    }
+    for (const Entry &entry : ending)
+        entry.requestEnd();
+    for (const Entry &entry : ending) {
+        if (entry.thread != QThread::currentThread())
+            entry.thread->wait(kLongestWaitMs);
+    }
+}
+
+} // namespace
+
+void add(QThread *thread, std::function<void()> requestEnd)
+{
+    {
+        QMutexLocker lock(&registry().mutex);
+        registry().entries.push_back({thread, std::move(requestEnd)});
+    }
+    // For each thread anew: handlers run in the reverse order of registration, static objects among them.
+    std::atexit(endAll);
+    qAddPostRoutine(endAll);
+}
+
+void remove(QThread *thread)
+{
+    QMutexLocker lock(&registry().mutex);
+    auto &entries = registry().entries;
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [thread](const Entry &entry) { return entry.thread == thread; }),
+                  entries.end());
+}
+
+} // namespace canbus::threadsAtExit
