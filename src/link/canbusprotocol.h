@@ -16,8 +16,7 @@ namespace canbus {
 ///
 /// In the signals `TPMOD` is one byte, the frame's sub-type, and `data` is the frame's payload, unescaped,
 /// of any length including none.
-class CANBUS_EXPORT CanbusProtocol : public QObject
-{
+class CANBUS_EXPORT CanbusProtocol : public QObject {
     Q_OBJECT
 
 public:

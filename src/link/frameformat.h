@@ -13,18 +13,17 @@
 /// is never doubled.
 namespace canbus::frame {
 
-constexpr quint8 kDle = 0x9F; ///< escape; begins every mark
-constexpr quint8 kStx = 0x02; ///< after DLE: a data frame begins
-constexpr quint8 kEtx = 0x03; ///< after DLE: any frame ends
-constexpr quint8 kAck = 0x06; ///< after DLE: an acknowledgement begins
+constexpr quint8 kDle = 0x9F;  ///< escape; begins every mark
+constexpr quint8 kStx = 0x02;  ///< after DLE: a data frame begins
+constexpr quint8 kEtx = 0x03;  ///< after DLE: any frame ends
+constexpr quint8 kAck = 0x06;  ///< after DLE: an acknowledgement begins
 constexpr quint8 kNack = 0x15; ///< after DLE: a negative acknowledgement begins
 
 /// Appends `byte` by the escaping rule: a DLE twice, any other byte once.
 void appendEscaped(QByteArray &frame, quint8 byte);
 
 /// Builds one data frame, field by field, and keeps the check byte.
-class FrameWriter
-{
+class FrameWriter {
 public:
     /// Begins a frame with its id, escaped.
     explicit FrameWriter(quint8 id);

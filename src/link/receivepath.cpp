@@ -58,8 +58,8 @@ void unescape(QByteArray &buffer, int start, int end)
     int from = start;
     int to = start;
     for (; to < end && from < size; ++to, ++from) {
-        const bool pair = quint8(bytes[from]) == frame::kDle && from + 1 < size
-            && quint8(bytes[from + 1]) == frame::kDle;
+        const bool pair =
+            quint8(bytes[from]) == frame::kDle && from + 1 < size && quint8(bytes[from + 1]) == frame::kDle;
         if (pair)
             ++from;
         bytes[to] = bytes[from];
@@ -83,8 +83,8 @@ Check checkFrame(const QByteArray &buffer, int start, int end)
 QByteArray takePayload(QByteArray &rest, quint8 checkByte)
 {
     const int tail = rest.size() - 3;
-    const bool closed = tail >= 0 && byteAt(rest, tail) == checkByte
-        && byteAt(rest, tail + 1) == frame::kDle && byteAt(rest, tail + 2) == frame::kEtx;
+    const bool closed = tail >= 0 && byteAt(rest, tail) == checkByte && byteAt(rest, tail + 1) == frame::kDle
+        && byteAt(rest, tail + 2) == frame::kEtx;
     const QByteArray payload = closed ? rest.left(tail) : rest;
     rest = closed ? rest.mid(tail) : QByteArray();
     return payload;

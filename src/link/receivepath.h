@@ -29,7 +29,7 @@ struct Start {
 Start findStart(const QByteArray &buffer);
 
 struct End {
-    int index = -1; ///< the first byte behind the closing mark, or -1
+    int index = -1;            ///< the first byte behind the closing mark, or -1
     bool escapeIsLast = false; ///< no end, and the buffer's last byte is a DLE
 };
 

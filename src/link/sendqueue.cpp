@@ -27,7 +27,12 @@ void stop(LinkEffects &effects, LinkTimer timer)
 
 QByteArray connectionFrame(quint8 id, quint8 purpose)
 {
-    return frame::FrameWriter(id).escaped(quint8(Command::Connection)).escaped(0).escaped(0).escaped(purpose).finish();
+    return frame::FrameWriter(id)
+        .escaped(quint8(Command::Connection))
+        .escaped(0)
+        .escaped(0)
+        .escaped(purpose)
+        .finish();
 }
 
 } // namespace

@@ -9,15 +9,15 @@ namespace canbus {
 
 /// The timers of the link, by what their expiry does.
 enum class LinkTimer {
-    Send, ///< resends the current frame
+    Send,           ///< resends the current frame
     RequestConnect, ///< asks the box to connect
-    CheckConnect, ///< sends a connection check
+    CheckConnect,   ///< sends a connection check
 };
 
 /// Something that a decision of the send queue asks its owner to do.
 struct LinkEffect {
     enum Kind {
-        Write, ///< write `frame` to the line
+        Write,      ///< write `frame` to the line
         StartTimer, ///< start `timer` anew, from whatever it has run
         StopTimer,
         LinkUp,
@@ -25,7 +25,7 @@ struct LinkEffect {
     };
 
     Kind kind;
-    QByteArray frame = {}; ///< of Write
+    QByteArray frame = {};             ///< of Write
     LinkTimer timer = LinkTimer::Send; ///< of StartTimer and StopTimer
 };
 
@@ -38,10 +38,9 @@ using LinkEffects = std::deque<LinkEffect>;
 /// No timer, thread, lock or signal in it. Operations go in; what is to be done comes out as effects,
 /// appended to the list that each operation is given. Exactly one frame, the cache's head, is under way at
 /// a time; an answer is matched by its id alone.
-class SendQueue
-{
+class SendQueue {
 public:
-    static constexpr int kCacheBound = 65; ///< frames that commands may fill the cache to
+    static constexpr int kCacheBound = 65;      ///< frames that commands may fill the cache to
     static constexpr int kMaxTransmissions = 3; ///< of one frame, before it is given up
     static constexpr int kResendIntervalMs = 300;
     static constexpr int kRequestConnectIntervalMs = 2000;
@@ -85,7 +84,7 @@ public:
     int transmissions() const { return m_transmissions; } ///< of the current frame so far
     int cachedFrames() const { return m_cache.size(); }
     quint8 currentId() const { return m_currentId; } ///< 0 when no frame is under way
-    quint8 connectionId() const; ///< the id of the box's ready reply, 0 before it
+    quint8 connectionId() const;                     ///< the id of the box's ready reply, 0 before it
 
 private:
     void takeHead();

@@ -34,7 +34,8 @@ VelCanBusProtocol::VelCanBusProtocol(QObject *parent)
     d->sendTimer.setInterval(SendQueue::kResendIntervalMs);
     connect(&d->sendTimer, &QTimer::timeout, this, &VelCanBusProtocol::onSendTmrout);
 
-    connect(CanBusPlayer::instance(), &CanBusPlayer::sendCmdData, this, &VelCanBusProtocol::onSaveSendCmdData);
+    connect(CanBusPlayer::instance(), &CanBusPlayer::sendCmdData, this,
+            &VelCanBusProtocol::onSaveSendCmdData);
 
     // The parser thread uses these two: they must be there before it is registered for the exit.
     CanBusReadBuff::instance();

@@ -20,8 +20,7 @@ class VelCanBusProtocolPrivate;
 ///
 /// The serial port's thread appends to it, the parser thread consumes it. Lock `mutex` around every access
 /// to `data`. The parser thread holds it for a whole pass, dispatch of the frame included.
-class CANBUS_EXPORT CanBusReadBuff : public QObject
-{
+class CANBUS_EXPORT CanBusReadBuff : public QObject {
     Q_OBJECT
 
 public:
@@ -29,7 +28,7 @@ public:
     static CanBusReadBuff *instance();
 
     QByteArray data; ///< in order of arrival, still escaped
-    QMutex mutex; ///< not recursive
+    QMutex mutex;    ///< not recursive
 
 private:
     CanBusReadBuff() = default;
@@ -37,8 +36,7 @@ private:
 
 /// One decoded data frame. The protocol owns one and uses it for every frame; the parser thread alone
 /// touches it.
-class CANBUS_EXPORT FrameDataFormat : public QObject
-{
+class CANBUS_EXPORT FrameDataFormat : public QObject {
     Q_OBJECT
 
 public:
@@ -47,25 +45,25 @@ public:
     /// Writes all fields to the debug log.
     void LogFrameData() const
     {
-        CANBUS_DEBUG() << "id-" << id << "TP-" << TP << "MOD-" << MOD << "DATA-" << DATA << "CS-" << log::hex(CS);
+        CANBUS_DEBUG() << "id-" << id << "TP-" << TP << "MOD-" << MOD << "DATA-" << DATA << "CS-"
+                       << log::hex(CS);
     }
 
     /// Empties all fields.
     void clear();
 
-    QByteArray id; ///< one byte, or none where the frame was too short
-    QByteArray TP; ///< category, one byte or none
-    QByteArray MOD; ///< sub-type, one byte or none
+    QByteArray id;   ///< one byte, or none where the frame was too short
+    QByteArray TP;   ///< category, one byte or none
+    QByteArray MOD;  ///< sub-type, one byte or none
     QByteArray DATA; ///< payload, unescaped, any length
-    quint8 CS = 0; ///< the XOR over the frame
+    quint8 CS = 0;   ///< the XOR over the frame
 };
 
 /// The parser thread: every 10 ms one parsing pass of its protocol under the mutex of CanBusReadBuff, so at
 /// most one frame is consumed in 10 ms.
 ///
 /// Runs until stop() is called. The protocol that made it stops it and waits for it.
-class CANBUS_EXPORT CanbusTickThread : public QThread
-{
+class CANBUS_EXPORT CanbusTickThread : public QThread {
     Q_OBJECT
 
 public:
@@ -96,8 +94,7 @@ private:
 /// has a lock, which is never held while a signal is emitted: a directly connected slot may call every
 /// operation here. Signals about writing and about the link's state come out in the order of the decisions
 /// behind them, on whichever of the two threads is at it.
-class CANBUS_EXPORT VelCanBusProtocol : public CanbusProtocol
-{
+class CANBUS_EXPORT VelCanBusProtocol : public CanbusProtocol {
     Q_OBJECT
 
 public:
@@ -133,9 +130,9 @@ public:
 
     // The answers.
 
-    void receiveModuleAck(); ///< sends an ACK with the id of the decoded frame
-    void receiveModuleNAck(); ///< sends a NACK with the id of the decoded frame, of the last one or none
-    void onReceiveSaveACKData(); ///< an ACK has arrived
+    void receiveModuleAck();      ///< sends an ACK with the id of the decoded frame
+    void receiveModuleNAck();     ///< sends a NACK with the id of the decoded frame, of the last one or none
+    void onReceiveSaveACKData();  ///< an ACK has arrived
     void onReceiveSaveNACKData(); ///< a NACK has arrived: it removes the frame just as an ACK does
 
     // The send cache.

@@ -10,8 +10,7 @@
 namespace canbus {
 
 /// What the protocol object is made of, by the threads that touch it.
-class VelCanBusProtocolPrivate
-{
+class VelCanBusProtocolPrivate {
 public:
     explicit VelCanBusProtocolPrivate(VelCanBusProtocol *protocol);
 

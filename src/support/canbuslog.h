@@ -22,8 +22,8 @@ namespace canbus::log {
 /// The operation on whose behalf a line is written. Shared code takes it from its caller, so that a line
 /// names the operation that the reader of the log knows.
 struct Origin {
-    const char *file; ///< source file, static storage
-    int line; ///< source line
+    const char *file;      ///< source file, static storage
+    int line;              ///< source line
     const char *signature; ///< full function signature, static storage
 };
 
@@ -60,16 +60,15 @@ inline bool isErrorEnabled()
 
 /// One line in the making: collects its values and hands the line over when it goes out of scope.
 /// Made by the macros below only.
-class CANBUS_EXPORT Line
-{
+class CANBUS_EXPORT Line {
 public:
     /// @param level  QtDebugMsg or QtCriticalMsg
     Line(QtMsgType level, const Origin &origin);
     ~Line();
 
     Line &operator<<(const char *text); ///< UTF-8, written without quotes
-    Line &operator<<(bool flag); ///< "true" or "false"
-    Line &operator<<(int number); ///< decimal
+    Line &operator<<(bool flag);        ///< "true" or "false"
+    Line &operator<<(int number);       ///< decimal
     Line &operator<<(Hex number);
     Line &operator<<(const QByteArray &bytes); ///< hexadecimal text, two digits a byte
     Line &operator<<(AsIs raw);

@@ -15,6 +15,15 @@ bool replaceIfChanged(T &stored, T next)
     return true;
 }
 
+/// As above, for two items that are announced together: both are stored when either differs.
+template <class T>
+bool replaceIfChanged(T &storedFirst, T nextFirst, T &storedSecond, T nextSecond)
+{
+    const bool firstChanged = replaceIfChanged(storedFirst, std::move(nextFirst));
+    const bool secondChanged = replaceIfChanged(storedSecond, std::move(nextSecond));
+    return firstChanged || secondChanged;
+}
+
 /// As replaceIfChanged(), for lists and texts of which an empty one is announced each time it arrives:
 /// equal items count as unchanged only when there is something in them.
 template <class T>

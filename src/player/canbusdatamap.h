@@ -1,0 +1,48 @@
+#pragma once
+
+#include "canbusexport.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QMap>
+#include <QtCore/QMutex>
+#include <QtCore/QObject>
+#include <QtCore/QVariant>
+
+namespace canbus {
+
+/// The last frame of each category that the box has sent. A command carries the id of the last frame of its
+/// category, and takes it from here.
+///
+/// A record is a list of byte arrays: the frame's id, its sub-type in the categories that have one (climate,
+/// gauges, vehicle, parking assist), its payload. Records are added and replaced, never removed.
+///
+/// The parser thread writes, the main thread reads: a lock of its own guards the map, and what is returned
+/// is the caller's. Usable on every thread. Made on first use, destroyed when the process exits.
+class CANBUS_EXPORT CanBusDataMap : public QObject {
+    Q_OBJECT
+
+public:
+    static CanBusDataMap *instance();
+
+    /// Stores a category's record in the place of the former.
+    /// @param id  the category, 0..255
+    void setData(unsigned char id, QList<QVariant> list);
+
+    /// The id of the category's last frame (one byte), or an empty array when there was none.
+    QByteArray getId(unsigned char id);
+
+    /// The category's record, or an empty list when there is none.
+    QList<QVariant> getData(unsigned char id);
+
+    /// Whether the category has a record; an empty one counts.
+    bool isHasData(unsigned char id);
+
+private:
+    CanBusDataMap() = default;
+
+    QMutex m_mutex;                       // guards m_records
+    QMap<int, QList<QVariant>> m_records; // keyed by the category, widened without sign
+};
+
+} // namespace canbus

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "canbusexport.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
+#include <QtCore/QMap>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+class QThread;
+
+namespace canbus {
+
+class CanBusPlayerPrivate;
+class CanbusProtocol;
+
+/// The service's facade: opens the port, joins it to the protocol, routes what the box reports to the feature
+/// groups, and is the one outlet for commands to the box.
+///
+/// Usage, on the host's main thread:
+///
+///     canbus::CanBusPlayer::instance()->setUartPort("/dev/ttyS3", 57600);
+///     canbus::CanBusPlayer::instance()->init(new canbus::VelCanBusProtocol);
+///
+/// The player lives on the thread that first calls instance(), which must be the host's main thread; call
+/// everything here on that thread. The port lives on a worker thread of its own from init() on. Nothing
+/// needs to be stopped: the threads end with the application object or the process.
+class CANBUS_EXPORT CanBusPlayer : public QObject {
+    Q_OBJECT
+
+public:
+    /// Made on first use, destroyed when the process exits.
+    static CanBusPlayer *instance();
+
+    explicit CanBusPlayer(QObject *parent = nullptr);
+    ~CanBusPlayer() override;
+
+    /// Sets up the board's pins, opens the port and, if that succeeds, joins it to the protocol and the
+    /// player to the host; then moves the port to its worker thread. Call it once, after setUartPort().
+    /// Called again it opens the port again and makes every connection a second time.
+    /// @param protocol  the host's, which must outlive the traffic; null is an error that changes nothing
+    void init(CanbusProtocol *protocol);
+
+    /// Sets the serial device for the next init().
+    /// @param port  for example "/dev/ttyS3", the default
+    /// @param baud  bits per second, 57600 by default
+    Q_INVOKABLE void setUartPort(const QString &port, int baud);
+
+    /// Whether the link to the box is up.
+    Q_INVOKABLE bool getCanbusConnectStatus();
+
+    // Helpers for whoever reads payloads or builds frames. They keep no state; usable on every thread.
+
+    /// Appends the zero-terminated UTF-8 strings in `data` to `list`, cleaned. Bytes behind the last zero
+    /// byte are dropped.
+    void onSplitEOFstrings(QStringList &list, QByteArray data);
+    /// Removes every U+FFFD, which stands for bytes that are no UTF-8.
+    void removeGarbledCodeFromUtf8(QString &text);
+    /// The state of the named bits of `value`, lowest first: 0..3. A position outside 0..7 reads as 0.
+    int on2bitComparisonStates(char value, int bit0, int bit1);
+    /// As above, 0..6; 7 reads as 0.
+    int on3bitComparisonStates(char value, int bit0, int bit1, int bit2);
+    /// As above, 0..8; 9..15 read as 0.
+    int on4bitComparisonStates(char value, int bit0, int bit1, int bit2, int bit3);
+    /// Appends `byte` to `frame`, twice if it is 0x9F.
+    void onEscapeFrameHeader(char byte, QByteArray &frame);
+
+Q_SIGNALS:
+    /// One complete frame for the box, from 9F 02 to 9F 03. The protocol caches, sends and resends it.
+    void sendCmdData(QByteArray data);
+    /// The vehicle screens that the box supports, by their numbers 0..4.
+    void updateScreenInfo(QMap<int, bool> m_list);
+    /// The link has come up (true) or gone down (false). Emitted on a change only.
+    void canbusConnectStatus(bool status);
+    /// The box's menu or text screen: four menu identifiers 0..255, whether minus and plus are offered, and
+    /// the texts.
+    void updateMenuInfo(QList<int> Menu, bool Minus, bool Plus, QStringList Text);
+
+public Q_SLOTS:
+    /// Hands received bytes to the protocol's loop-back test.
+    void readPortData(QByteArray data);
+    /// Writes to the port at once, on the calling thread: only for a host that knows that nothing else does.
+    /// Dropped before init().
+    void writPortData(QByteArray data);
+    /// The protocol's report of the link: starts or stops the time synchronisation, leaves the box's view
+    /// when the link goes down, emits canbusConnectStatus() on a change.
+    void setCanbusConnectStatus(bool status);
+    void onCanbusSourceDsplChange();
+    void onSyncTimeTmrout();
+    void suppScreen(QByteArray data);
+    // The categories: the first byte of TPMOD, the sub-type, selects the decoder that gets `data`.
+    void onClimateInfo(QByteArray TPMOD, QByteArray data);
+    void onGaugesInfo(QByteArray TPMOD, QByteArray data);
+    void onVehicleInfo(QByteArray TPMOD, QByteArray data);
+    void onParingAssistInfo(QByteArray TPMOD, QByteArray data);
+    void onChangeDsp(QByteArray data);
+    void onTextScreen(QByteArray data);
+    void onReverseChanged(bool, int);
+
+private:
+    friend struct CanBusPlayerProbe; // the tests' look at the wiring
+
+    void startWorkerThread();
+
+    QThread *thread = nullptr; // the port's worker; never deleted
+    CanBusPlayerPrivate *d;
+};
+
+} // namespace canbus

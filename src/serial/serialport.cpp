@@ -1,0 +1,173 @@
+#include "serialport.h"
+
+#include "canbuslog.h"
+#include "velcanbusprotocol.h"
+
+#include <QtCore/QMutexLocker>
+#include <QtCore/QSocketNotifier>
+#include <QtSerialPort/QSerialPort>
+
+#include <poll.h>
+
+namespace canbus {
+
+namespace {
+
+constexpr int kWriteTimeoutMs = 100;
+constexpr int kOpenError = 3; // the value that listeners know; later Qt versions have no name for it
+
+QString notConnected()
+{
+    return QStringLiteral("not connected");
+}
+
+bool isHungUp(int descriptor)
+{
+    pollfd line {descriptor, POLLIN, 0};
+    return ::poll(&line, 1, 0) > 0 && (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+}
+
+} // namespace
+
+SerialPort::SerialPort(QObject *parent)
+    : QObject(parent)
+    , m_port(new QSerialPort(this))
+{
+}
+
+SerialPort::~SerialPort()
+{
+    if (isOpen())
+        disconnect();
+}
+
+bool SerialPort::isOpen() const
+{
+    return m_port && m_port->isOpen();
+}
+
+bool SerialPort::open(QString portName, int baudRate)
+{
+    CANBUS_DEBUG() << "using port:" << portName << baudRate;
+    connect(m_port, SIGNAL(error(QSerialPort::SerialPortError)), this, SLOT(handleError()));
+    ++m_opens;
+    m_reportedLosses = 0;
+    m_lost = false;
+    if (m_port->isOpen())
+        m_port->close();
+    m_port->setPortName(portName);
+    m_port->setBaudRate(baudRate);
+    m_port->setDataBits(QSerialPort::Data8);
+    m_port->setParity(QSerialPort::NoParity);
+    m_port->setStopBits(QSerialPort::OneStop);
+    m_port->setFlowControl(QSerialPort::NoFlowControl);
+
+    if (!m_port->open(QIODevice::ReadWrite)) {
+        CANBUS_ERROR() << "not open";
+        Q_EMIT error(portName, kOpenError, m_port->errorString());
+        return false;
+    }
+    CANBUS_DEBUG() << "open";
+    m_port->clearError();
+    m_port->clear(QSerialPort::AllDirections);
+    connect(m_port, &QSerialPort::readyRead, this, &SerialPort::onReadyRead);
+    Q_EMIT connected(portName);
+    return true;
+}
+
+void SerialPort::disconnect()
+{
+    if (!isOpen()) {
+        Q_EMIT status(notConnected());
+        return;
+    }
+    m_port->close();
+    Q_EMIT disconnected();
+}
+
+void SerialPort::handleError()
+{
+    const int code = m_port->error();
+    if (code == QSerialPort::NoError)
+        return;
+    CANBUS_ERROR() << code;
+    if (!isLineLost(code))
+        return;
+    goSilent();
+    // Once for each connection to this slot, however often the port repeats itself.
+    if (m_reportedLosses == m_opens)
+        return;
+    ++m_reportedLosses;
+    Q_EMIT error(m_port->portName(), QSerialPort::ResourceError, m_port->errorString());
+}
+
+void SerialPort::writeData(const QByteArray &data)
+{
+    write(data.constData(), data.size(), CANBUS_HERE);
+}
+
+void SerialPort::writeData(QString data)
+{
+    CANBUS_DEBUG() << data;
+    const QByteArray bytes = QByteArray::fromHex(data.toLatin1().constData());
+    CANBUS_DEBUG() << QString::fromLatin1(bytes.toHex());
+    writeData(bytes);
+}
+
+void SerialPort::writeData(const char *data, int len)
+{
+    write(data, len, CANBUS_HERE);
+}
+
+void SerialPort::onReadyRead()
+{
+    QByteArray data;
+    while (m_port->bytesAvailable() > 0)
+        data += m_port->readAll();
+    if (data.isEmpty()) {
+        CANBUS_DEBUG() << "buf is empty.";
+        return;
+    }
+    {
+        CanBusReadBuff *const buffer = CanBusReadBuff::instance();
+        QMutexLocker lock(&buffer->mutex);
+        buffer->data += data;
+    }
+    Q_EMIT read(data);
+}
+
+void SerialPort::write(const char *bytes, int size, const log::Origin &origin)
+{
+    if (!isOpen()) {
+        Q_EMIT status(notConnected());
+        return;
+    }
+    if (m_lost)
+        return; // reported already, and nobody is there to take it
+    m_port->write(bytes, size);
+    if (m_port->waitForBytesWritten(kWriteTimeoutMs))
+        return;
+    CANBUS_ERROR_AT(origin) << "write error";
+    // When it was this write that found the line lost, handleError() has said so.
+    if (!m_lost)
+        Q_EMIT error(m_port->portName(), m_port->error(), m_port->errorString());
+}
+
+bool SerialPort::isLineLost(int errorCode) const
+{
+    if (errorCode == QSerialPort::ResourceError)
+        return true;
+    // A hung-up line reads as end of file, which the port takes for one failed read after another.
+    return errorCode == QSerialPort::ReadError && isHungUp(m_port->handle());
+}
+
+void SerialPort::goSilent()
+{
+    m_lost = m_port->isOpen();
+    // Left to itself the port would find the dead line readable for ever, at the cost of a whole core.
+    const auto notifiers = m_port->findChildren<QSocketNotifier *>();
+    for (QSocketNotifier *notifier : notifiers)
+        notifier->setEnabled(false);
+}
+
+} // namespace canbus

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "canbusexport.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QObject>
+#include <QtCore/QString>
+
+class QSerialPort;
+
+namespace canbus {
+
+namespace log {
+struct Origin;
+}
+
+/// The UART that joins the head unit to the interface box: 8 data bits, no parity, one stop bit, no flow
+/// control.
+///
+/// Received bytes go two ways: they are appended to CanBusReadBuff under its mutex, and emitted as read().
+/// Nothing is known here of frames. The facade creates the port and moves it to a worker thread, on which
+/// its slots run from then on; do not call them directly from elsewhere.
+///
+/// When the line is lost (adapter pulled, other end of a pseudo-terminal closed) error() is emitted with 9,
+/// once for each open() made. The port stays formally open, is silent from then on and drops what is
+/// written, until it is opened again.
+class CANBUS_EXPORT SerialPort : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SerialPort(QObject *parent = nullptr);
+
+    /// Closes an open port and emits disconnected().
+    ~SerialPort() override;
+
+    bool isOpen() const;
+
+Q_SIGNALS:
+    /// The port is open. @param portName  as it was asked for
+    void connected(QString portName);
+    /// Opening or writing has failed, or the line is lost.
+    /// @param portName  as it was asked for where opening failed, otherwise the port's own name for itself
+    ///   (without "/dev/")
+    /// @param errorType  3 where opening failed, 9 where the line is lost, otherwise the code of
+    ///   QSerialPort::SerialPortError (12: the bytes were not taken in time)
+    void error(QString portName, int errorType, QString errorString);
+    /// An open port was closed.
+    void disconnected();
+    /// Bytes have arrived: at least one, any number of frames or parts of frames.
+    void read(QByteArray data);
+    /// An operation that needs an open port found it closed. The text is always "not connected".
+    void status(QString status);
+
+public Q_SLOTS:
+    /// Opens the port, closing it first if it is open; emits connected() or error(). Each call connects the
+    /// port's own signals once more, so a port opened twice reports its loss twice.
+    /// @param baudRate  bits per second, for example 57600: a rate of termios(3), or another where the
+    ///   driver supports custom rates
+    /// @return whether the port is open
+    bool open(QString portName, int baudRate);
+    /// Closes an open port and emits disconnected(); emits status() when it is closed.
+    void disconnect();
+    /// The port has reported an error.
+    void handleError();
+    /// Writes a block in one go, waiting up to 100 ms for it to be taken. Emits status() when the port is
+    /// closed, error() when the bytes were not taken in time; nothing is kept for a later attempt.
+    void writeData(const QByteArray &data);
+    /// Writes bytes given as hexadecimal text. Other characters are skipped.
+    void writeData(QString data);
+    /// Writes `len` bytes.
+    void writeData(const char *data, int len);
+
+private Q_SLOTS:
+    void onReadyRead();
+
+private:
+    void write(const char *bytes, int size, const log::Origin &origin);
+    bool isLineLost(int errorCode) const;
+    void goSilent();
+
+    QSerialPort *m_port;
+    int m_opens = 0;          // calls of open(), each of which wants the loss of the line reported
+    int m_reportedLosses = 0; // since the port was last opened
+    bool m_lost = false;
+};
+
+} // namespace canbus
