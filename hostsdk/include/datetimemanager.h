@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QtCore/QDateTime>
+#include <QtCore/QObject>
+
+namespace kddatetime {
+
+/// The head unit's clock.
+///
+/// A process-wide singleton that belongs to the host's main thread and is never deleted by its users.
+class DateTimeManager : public QObject {
+    Q_OBJECT
+
+public:
+    /// The one clock, built on first use and destroyed at process exit.
+    static DateTimeManager *instance();
+
+    /// The date and time now.
+    /// @param spec  the time specification of the result: the same moment, told as local time or as UTC
+    QDateTime currentDateTime(Qt::TimeSpec spec = Qt::LocalTime) const;
+
+    /// Stops the clock at a moment, for tests. Added by the reference host.
+    /// @param fixed  what currentDateTime() tells from now on; an invalid one returns to the real clock
+    void setCurrentDateTime(const QDateTime &fixed);
+
+private:
+    DateTimeManager() = default;
+
+    QDateTime m_fixed;
+};
+
+} // namespace kddatetime
