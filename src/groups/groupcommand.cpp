@@ -1,6 +1,6 @@
 #include "groupcommand.h"
 
-#include "link/frameformat.h"
+#include "link/commandframe.h"
 #include "player/canbusdatamap.h"
 #include "player/canbusplayer.h"
 #include "support/bytes.h"
@@ -15,17 +15,7 @@ void sendCommand(const log::Origin &origin, Category category, Command command,
         CANBUS_DEBUG_AT(origin) << log::asIs(id);
     else
         CANBUS_DEBUG_AT(origin) << id;
-
-    frame::FrameWriter writer(firstByte(id));
-    writer.plain(quint8(command)).plain(0);
-    for (const quint8 byte : plain)
-        writer.plain(byte);
-    writer.escaped(escaped);
-    CANBUS_DEBUG_AT(origin) << log::hex(writer.checkByte());
-
-    const QByteArray frame = writer.finish();
-    CANBUS_DEBUG_AT(origin) << frame;
-    Q_EMIT CanBusPlayer::instance()->sendCmdData(frame);
+    Q_EMIT CanBusPlayer::instance()->sendCmdData(buildCommand(origin, firstByte(id), command, plain, escaped));
 }
 
 } // namespace canbus
