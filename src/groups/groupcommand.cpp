@@ -15,7 +15,8 @@ void sendCommand(const log::Origin &origin, Category category, Command command,
         CANBUS_DEBUG_AT(origin) << log::asIs(id);
     else
         CANBUS_DEBUG_AT(origin) << id;
-    Q_EMIT CanBusPlayer::instance()->sendCmdData(buildCommand(origin, firstByte(id), command, plain, escaped));
+    Q_EMIT CanBusPlayer::instance()->sendCmdData(
+        buildCommand(origin, firstByte(id), command, plain, escaped));
 }
 
 } // namespace canbus

@@ -1,6 +1,7 @@
 #include "velclimategroupcmd.h"
 
 #include "canbuslog.h"
+#include "grouptexts.h"
 #include "support/bytes.h"
 #include "support/changerule.h"
 #include "support/text.h"
@@ -90,16 +91,8 @@ void VelClimateGroupCmd::onClimateType(QByteArray data)
 
 void VelClimateGroupCmd::onClimateCustomLabel(QByteArray data)
 {
-    if (data.isEmpty()) {
-        CANBUS_ERROR() << "data is error";
-        return;
-    }
-    QStringList labels;
-    splitZeroTerminated(labels, data);
-    if (replaceIfChangedOrEmpty(m_comText, labels)) {
-        CANBUS_DEBUG() << m_comText;
+    if (takeTexts(CANBUS_HERE, m_comText, data))
         Q_EMIT updateClimateComText(m_comText);
-    }
 }
 
 void VelClimateGroupCmd::onClimateData(QByteArray data)

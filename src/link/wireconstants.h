@@ -71,6 +71,38 @@ enum class ClimateButton : quint8 {
     ManualFanSpeed = 28,
 };
 
+/// The button that a GaugesButton command names in its first data byte.
+enum class GaugesButton : quint8 {
+    Center = 1,
+    TopLeft = 2,
+    TopRight = 3,
+    BottomLeft = 4,
+    BottomRight = 5,
+    CustomControl1 = 6,
+    CustomControl2 = 7,
+};
+
+/// The button that a VehicleButton command names in its first data byte.
+enum class VehicleButton : quint8 {
+    CheckEngine = 1,
+    CustomControl1 = 2,
+    CustomControl2 = 3,
+};
+
+/// The button that a ParkingButton command names in its first data byte.
+enum class ParkingButton : quint8 {
+    CustomControl1 = 1,
+    CustomControl2 = 2,
+};
+
+/// The data byte behind a button: whether it was pressed or released.
+constexpr quint8 kRelease = 0x00;
+constexpr quint8 kPress = 0x01;
+
+/// The ids of the commands that carry a fixed one.
+constexpr quint8 kRequestNormalId = 0x22;
+constexpr quint8 kTimeId = 0x23;
+
 /// The id of every connect request.
 constexpr quint8 kConnectRequestId = 0x21;
 

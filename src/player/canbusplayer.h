@@ -3,15 +3,22 @@
 #include "canbusexport.h"
 
 #include <QtCore/QByteArray>
+#include <QtCore/QDebug>
 #include <QtCore/QList>
 #include <QtCore/QMap>
 #include <QtCore/QObject>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <displaystate.h>
+
 class QThread;
 
 namespace canbus {
+
+namespace log {
+struct Origin;
+}
 
 class CanBusPlayerPrivate;
 class CanbusProtocol;
@@ -51,6 +58,30 @@ public:
     /// Whether the link to the box is up.
     Q_INVOKABLE bool getCanbusConnectStatus();
 
+    /// The vehicle screens that the box supports, by their numbers 0..4; empty before it has said so.
+    Q_INVOKABLE QMap<int, bool> getSuppScrennInfo();
+
+    /// Emits updateMenuInfo() with the text screen as it is, if it has more than one text: for a UI that has
+    /// bound late.
+    Q_INVOKABLE void getTextScreenInfo();
+
+    /// Sends a press on the text screen. The low byte of each argument is sent as it is.
+    Q_INVOKABLE void onMenuPress(int menu, int item, int action);
+
+    /// Tells the box that the display shows none of its screens.
+    Q_INVOKABLE void requestNormal();
+
+    /// Whether the box's camera picture is to be shown: while the link is up, the box has a camera screen and
+    /// the head unit's settings want it, on every display but the one without camera; otherwise on the box's
+    /// camera view alone.
+    Q_INVOKABLE bool getCanbusCameraEnable();
+
+    /// Sends the head unit's clock to the box. The low byte of each argument is sent; 255 in all six means
+    /// "time unknown".
+    /// @param year  full year, for example 2026: sent as two bytes, 20 and 26; 255 is sent as 255, 255
+    /// @param format  the clock format as the box defines it, 0 or 1: passed on as it came
+    Q_INVOKABLE void syncGPSTimeToCanbus(int minute, int hour, int day, int month, int year, int format);
+
     // Helpers for whoever reads payloads or builds frames. They keep no state; usable on every thread.
 
     /// Appends the zero-terminated UTF-8 strings in `data` to `list`, cleaned. Bytes behind the last zero
@@ -87,25 +118,37 @@ public Q_SLOTS:
     /// The protocol's report of the link: starts or stops the time synchronisation, leaves the box's view
     /// when the link goes down, emits canbusConnectStatus() on a change.
     void setCanbusConnectStatus(bool status);
+    /// The host shows another display: while the link is up, asks the box for the data of that screen.
     void onCanbusSourceDsplChange();
+    /// Sends the clock and waits for the next full minute; stops while the link is down.
     void onSyncTimeTmrout();
+    /// The box's supported screens: bits 0..4 of the first byte. Emits updateScreenInfo(), changed or not.
     void suppScreen(QByteArray data);
     // The categories: the first byte of TPMOD, the sub-type, selects the decoder that gets `data`.
     void onClimateInfo(QByteArray TPMOD, QByteArray data);
     void onGaugesInfo(QByteArray TPMOD, QByteArray data);
     void onVehicleInfo(QByteArray TPMOD, QByteArray data);
     void onParingAssistInfo(QByteArray TPMOD, QByteArray data);
+    /// The box asks the UI for a move: request code 0..4 in the first byte, delivered to the application
+    /// object as a host event. Any other code is logged as an error.
     void onChangeDsp(QByteArray data);
+    /// The box's menu or text screen: four menu identifiers, flags, zero-terminated texts. Emits
+    /// updateMenuInfo() on a change.
     void onTextScreen(QByteArray data);
+    /// Reverse gear was engaged or released: enters or leaves the box's camera view by host events.
     void onReverseChanged(bool, int);
 
 private:
     friend struct CanBusPlayerProbe; // the tests' look at the wiring
 
     void startWorkerThread();
+    bool isCameraInUse(const log::Origin &origin) const;
 
     QThread *thread = nullptr; // the port's worker; never deleted
     CanBusPlayerPrivate *d;
 };
 
 } // namespace canbus
+
+/// Writes a display state by its name, or as a number where it has none.
+CANBUS_EXPORT QDebug operator<<(QDebug debug, C::DSPLState state);

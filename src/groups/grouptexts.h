@@ -1,0 +1,26 @@
+#pragma once
+
+#include "canbuslog.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QStringList>
+
+namespace canbus {
+
+/// Whether a list is written to the log when it arrives, beside when it is stored.
+enum class ArrivalInLog {
+    No,
+    Yes,
+};
+
+/// A report that is nothing but a list of zero-terminated texts: logs the error of an empty payload,
+/// otherwise splits it and stores and logs the list by the rule that announces an empty one each time.
+/// @param origin  the decoder on whose behalf the log lines are written
+/// @return whether `stored` is to be announced
+bool takeTexts(const log::Origin &origin, QStringList &stored, const QByteArray &data,
+               ArrivalInLog arrivalInLog = ArrivalInLog::No);
+
+/// Splits a payload into its zero-terminated texts.
+QStringList textsIn(const QByteArray &data);
+
+} // namespace canbus
