@@ -1,0 +1,115 @@
+#pragma once
+
+#include "boxsim/climatestate.h"
+#include "boxsim/commands.h"
+#include "boxsim/sender.h"
+#include "boxsim/wirereader.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QVector>
+
+namespace boxsim {
+
+/// Something that happened, for whoever watches the box.
+struct Event {
+    enum class Kind {
+        Command,  ///< a data frame came: `command`, `repeated`, `category`
+        Ack,      ///< an acknowledgement came; `reason` is set when it was for no frame under way
+        Nack,     ///< a negative acknowledgement came
+        BadFrame, ///< bytes came that are no frame: `reason`
+        Resend,   ///< a frame was not acknowledged in time and went out again
+        GiveUp,   ///< a frame was never acknowledged
+        LinkUp,   ///< the head unit has connected
+        LinkDown, ///< it begins anew, or does not answer any more
+        Silent,   ///< from here on the box neither answers nor sends
+    };
+
+    Kind kind = Kind::Command;
+    qint64 timeMs = 0;
+    int id = kNoId;
+    DecodedCommand command;
+    bool repeated = false; ///< the same bytes as the frame right before it: taken as a retransmission
+    quint8 category = 0;   ///< whose id the command carries, as a TP byte; 0: none of the box's
+    QString reason;
+    QByteArray bytes; ///< as on the wire
+};
+
+/// What a call of the box brought about, in order.
+struct Output {
+    QVector<QByteArray> writes; ///< blocks for the line
+    QVector<Event> events;
+};
+
+/// How a box behaves.
+struct BoxOptions {
+    int notReadyReplies = 0;       ///< so many connect requests are answered with "not ready" first
+    qint64 silentAfterMs = kNever; ///< from then on it neither answers nor sends
+    bool drive = true;             ///< plays the built-in drive
+};
+
+/// The interface box as the head unit sees it. Pure: bytes and times in, bytes and events out; no clock and
+/// no I/O. Times are milliseconds since the box was switched on and never run backwards.
+///
+/// - A connect request is acknowledged and answered with a Version frame that says ready or not ready.
+///   Whatever was still to be sent is dropped: the head unit begins anew.
+/// - A connection check brings the link up. The box then sends its whole state, and from there on changes.
+///   While the link is down it sends nothing but the answer to connect requests.
+/// - Every data frame is acknowledged. A frame with the same bytes as the one right before it, within the
+///   900 ms in which the head unit retransmits, is taken as a retransmission and not carried out again. A
+///   button pressed twice is told from that by its id, which changes with the box's reply to the first
+///   press. Connect requests and checks look the same each time and are always carried out.
+/// - A frame with a wrong check byte gets no answer, so that the head unit sends it again: a negative
+///   acknowledgement would make it drop the frame.
+/// - A negative acknowledgement changes nothing: the head unit sends them while a frame is still arriving.
+///   If the frame did not arrive, the resend interval takes care of it.
+/// - A frame that is given up takes the link down until the next connection check or connect request.
+class Box {
+public:
+    explicit Box(const BoxOptions &options = {});
+
+    /// Takes bytes from the line, cut anywhere.
+    Output receive(const QByteArray &bytes, qint64 nowMs);
+
+    /// Lets time pass.
+    Output advance(qint64 nowMs);
+
+    /// When advance() will have something to do, or kNever.
+    qint64 dueMs() const;
+
+    bool isLinkUp() const { return m_linkUp; }
+
+    const ClimateState &climate() const { return m_climate; }
+
+    /// Changes what the box reports of the climate system; the next advance() sends what changed.
+    void setClimate(const ClimateState &climate);
+
+private:
+    void take(const WireFrame &frame);
+    void takeCommand(const WireFrame &frame);
+    void takeAck(const WireFrame &frame);
+    bool isRepetition(const WireFrame &frame);
+    void carryOut(Action action, const QByteArray &data);
+    void answerConnectRequest();
+    void setLinkUp(bool up);
+    void postClimate();
+    void post(quint8 selector, const QByteArray &payload);
+    void followDrive();
+    void fallSilentWhenDue();
+    void send();
+    void report(Event::Kind kind, int id = kNoId, const QByteArray &bytes = {}, const QString &reason = {});
+
+    BoxOptions m_options;
+    WireReader m_reader;
+    Sender m_sender;
+    ClimateState m_climate;
+    qint64 m_nowMs = 0;
+    bool m_silent = false;
+    bool m_linkUp = false;
+    int m_notReadyLeft;
+    QByteArray m_lastFrame;
+    qint64 m_lastFrameMs = 0;
+    qint64 m_driveMs = 0;
+    Output m_output;
+};
+
+} // namespace boxsim

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "boxsim/wirereader.h"
+
+#include <QtCore/QString>
+#include <QtCore/QVariant>
+#include <QtCore/QVector>
+
+namespace boxsim {
+
+/// One argument of a command: a flag (bool), a byte (int), or bytes as hexadecimal text (QString).
+struct Argument {
+    QString name;
+    QVariant value;
+};
+
+/// What the box does with a command, beyond reporting it.
+enum class Action {
+    None,
+    ConnectRequest,
+    ConnectionCheck,
+    ClimateRequest,
+    ClimateButton,
+};
+
+/// A data frame of the head unit, told by name.
+struct DecodedCommand {
+    /// OBJECT.OPERATION as the head unit's side calls it, for example "climate.acBtn"; "unknown" for a frame
+    /// that no operation sends, with its fields as arguments.
+    QString name;
+    QVector<Argument> arguments;
+    Action action = Action::None;
+};
+
+/// Names the command that a data frame carries.
+///
+/// "settings" stands without an object: the four groups send the same bytes, apart from the id.
+/// @param frame  a frame of Kind::Data
+DecodedCommand decodeCommand(const WireFrame &frame);
+
+/// The command as one line: `climate.acBtn press=true value=0`.
+QString toText(const DecodedCommand &command);
+
+} // namespace boxsim
