@@ -1,0 +1,193 @@
+#include "monitor.h"
+
+#include "exitstatus.h"
+#include "hostcontrols.h"
+#include "joinableprotocol.h"
+#include "linereader.h"
+#include "metamethods.h"
+#include "reportlines.h"
+#include "standarderror.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
+#include <QtSerialPort/QSerialPort>
+
+#include <canbusplayer.h>
+#include <velclimategroupcmd.h>
+
+#include <utility>
+
+#include <unistd.h>
+
+namespace canbus::monitor {
+
+namespace {
+
+using standardError::complain;
+using standardError::LogLevel;
+
+/// Everything that is watched and can be called. An object is a row here and nothing elsewhere.
+Targets allTargets(HostControls *host)
+{
+    return {
+        {QStringLiteral("player"), CanBusPlayer::instance()},
+        {QStringLiteral("climate"), VelClimateGroupCmd::instance()},
+        {QStringLiteral("host"), host},
+    };
+}
+
+/// Why a port does not open. Asked only after the library has failed to open it.
+QString openError(const QString &device, int baud)
+{
+    QSerialPort port(device);
+    port.setBaudRate(baud);
+    if (port.open(QIODevice::ReadWrite))
+        return QStringLiteral("it was not free a moment ago: try again");
+    return port.errorString();
+}
+
+} // namespace
+
+Monitor::Monitor(Options options, int stopDescriptor)
+    : m_options(std::move(options))
+    , m_output(STDOUT_FILENO, stopDescriptor)
+    , m_host(new HostControls)
+    , m_targets(allTargets(m_host.get()))
+    , m_spy([this](const QString &object, const QMetaMethod &signal, const QVariantList &arguments) {
+        print(signalLine(m_options.form, m_clock.elapsed(), object, signal, arguments));
+    })
+{
+    m_clock.start();
+    endWhenTold(stopDescriptor);
+}
+
+Monitor::~Monitor() = default;
+
+int Monitor::run()
+{
+    for (const QString &text : std::as_const(m_options.calls)) {
+        const Outcome<PreparedCall> prepared = prepareCall(m_targets, text);
+        if (!prepared) {
+            complain(QStringLiteral("--call %1: %2").arg(text, prepared.error()));
+            return kWrongArguments;
+        }
+        m_firstCalls << *prepared;
+    }
+    QTimer::singleShot(0, this, &Monitor::start);
+    const int status = QCoreApplication::exec();
+    reportMissedCalls();
+    return status;
+}
+
+void Monitor::start()
+{
+    for (const Target &target : std::as_const(m_targets))
+        m_spy.watch(target.name, target.object);
+    // Queued, so that what the calls lead to is printed after the news that the link is up.
+    connect(CanBusPlayer::instance(), &CanBusPlayer::canbusConnectStatus, this, &Monitor::makeFirstCalls,
+            Qt::QueuedConnection);
+    if (!openPort()) {
+        complain(QStringLiteral("cannot open %1 at %2 baud: %3")
+                     .arg(m_options.port, QString::number(m_options.baud),
+                          openError(m_options.port, m_options.baud)));
+        end(kFailure);
+        return;
+    }
+    Q_EMIT m_host->portOpened(m_options.port, m_options.baud);
+    if (m_options.durationMs)
+        QTimer::singleShot(*m_options.durationMs, Qt::PreciseTimer, this, [this] { end(kSuccess); });
+    startReadingStandardInput();
+}
+
+bool Monitor::openPort()
+{
+    // A port that does not open is reported below with its reason, which the library's line lacks.
+    standardError::setLogLevel(m_options.isVerbose ? LogLevel::Everything : LogLevel::Nothing);
+    CanBusPlayer::instance()->setUartPort(m_options.port, m_options.baud);
+    m_protocol = std::make_unique<JoinableProtocol>();
+    CanBusPlayer::instance()->init(m_protocol.get());
+    standardError::setLogLevel(m_options.isVerbose ? LogLevel::Everything : LogLevel::Errors);
+    return m_protocol->isJoined();
+}
+
+void Monitor::startReadingStandardInput()
+{
+    m_standardInput =
+        std::make_unique<LineReader>(STDIN_FILENO, [this](const QString &line) { takeLine(line); });
+}
+
+void Monitor::endWhenTold(int stopDescriptor)
+{
+    if (stopDescriptor < 0)
+        return;
+    auto *const notifier = new QSocketNotifier(stopDescriptor, QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+        notifier->setEnabled(false);
+        end(kSuccess);
+    });
+}
+
+void Monitor::end(int status)
+{
+    if (m_hasEnded)
+        return;
+    m_hasEnded = true;
+    QCoreApplication::exit(status);
+}
+
+void Monitor::makeFirstCalls(bool isLinkUp)
+{
+    if (!isLinkUp || m_hasEnded)
+        return;
+    const QVector<PreparedCall> calls = std::exchange(m_firstCalls, {});
+    for (const PreparedCall &prepared : calls)
+        call(prepared);
+}
+
+void Monitor::takeLine(const QString &line)
+{
+    const QString text = line.trimmed();
+    if (text.isEmpty() || m_hasEnded)
+        return;
+    if (text == QLatin1String("quit")) {
+        end(kSuccess);
+    } else if (text == QLatin1String("help")) {
+        printCallables();
+    } else if (const Outcome<PreparedCall> prepared = prepareCall(m_targets, text)) {
+        call(*prepared);
+    } else {
+        complain(prepared.error());
+    }
+}
+
+void Monitor::call(const PreparedCall &call)
+{
+    const QVariant result = invoke(call);
+    if (result.isValid())
+        print(resultLine(m_options.form, m_clock.elapsed(), call.target.name, call.method, result));
+}
+
+void Monitor::printCallables()
+{
+    for (const Target &target : std::as_const(m_targets)) {
+        for (const Callable &callable : callablesOf(target.object))
+            print(callableLine(m_options.form, target.name, callable));
+    }
+}
+
+void Monitor::print(const QString &line)
+{
+    if (m_output.writeLine(line) != Output::State::Open && !m_hasEnded)
+        end(exitStatus(m_output));
+}
+
+void Monitor::reportMissedCalls() const
+{
+    for (const PreparedCall &missed : m_firstCalls) {
+        complain(QStringLiteral("%1.%2 was not called: the link was not up in this time")
+                     .arg(missed.target.name, QString::fromLatin1(missed.method.name())));
+    }
+}
+
+} // namespace canbus::monitor

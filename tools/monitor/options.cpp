@@ -1,0 +1,141 @@
+#include "options.h"
+
+#include <QtCore/QCommandLineOption>
+#include <QtCore/QCommandLineParser>
+
+#include <cmath>
+#include <limits>
+
+namespace canbus::monitor {
+
+namespace {
+
+QCommandLineOption option(const QString &name, const QString &description, const QString &valueName = {})
+{
+    return {name, description, valueName};
+}
+
+QList<QCommandLineOption> allOptions()
+{
+    return {
+        option(QStringLiteral("port"), QStringLiteral("Serial device of the box (default /dev/ttyS3)."),
+               QStringLiteral("DEVICE")),
+        option(QStringLiteral("baud"), QStringLiteral("Bits per second (default 57600)."),
+               QStringLiteral("N")),
+        option(QStringLiteral("json"), QStringLiteral("Print one JSON object a line.")),
+        option(QStringLiteral("for"), QStringLiteral("End after this time (default: run until told to end)."),
+               QStringLiteral("SECONDS")),
+        option(QStringLiteral("call"),
+               QStringLiteral("Call a control once the link is up; may be given several times."),
+               QStringLiteral("GROUP.CONTROL[=ARG,...]")),
+        option(QStringLiteral("verbose"),
+               QStringLiteral("Write the library's debug lines to standard error.")),
+        option(QStringLiteral("help"), QStringLiteral("Print this and end.")),
+        option(QStringLiteral("version"), QStringLiteral("Print the version and end.")),
+    };
+}
+
+void setUp(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(QStringLiteral(
+        "A small head unit in the terminal: prints every signal of the CAN-bus service library and "
+        "calls its controls.\n\n"
+        "Standard input takes calls, a line at a time: climate.acBtn, climate.manualTemp=21, "
+        "host.display=75; help lists them, quit ends."));
+    parser.addOptions(allOptions());
+}
+
+Outcome<int> parseBaud(const QString &text)
+{
+    bool ok = false;
+    const int baud = text.toInt(&ok);
+    if (!ok || baud <= 0)
+        return Failure {
+            QStringLiteral("--baud %1: write a whole number above 0, for example 57600").arg(quoted(text))};
+    return baud;
+}
+
+Outcome<int> parseDuration(const QString &text)
+{
+    constexpr double kMostMs = std::numeric_limits<int>::max();
+    bool ok = false;
+    const double ms = std::ceil(text.toDouble(&ok) * 1000);
+    if (!ok || !(ms > 0 && ms <= kMostMs)) {
+        return Failure {
+            QStringLiteral("--for %1: write a number of seconds above 0 and up to %2, for example 2.5")
+                .arg(quoted(text), QString::number(int(kMostMs) / 1000))};
+    }
+    return int(ms);
+}
+
+/// The options whose values need no checking.
+Options plainOptions(const QCommandLineParser &parser)
+{
+    Options options;
+    if (parser.isSet(QStringLiteral("port")))
+        options.port = parser.value(QStringLiteral("port"));
+    if (parser.isSet(QStringLiteral("json")))
+        options.form = Form::Json;
+    options.calls = parser.values(QStringLiteral("call"));
+    options.isVerbose = parser.isSet(QStringLiteral("verbose"));
+    options.wantsHelp = parser.isSet(QStringLiteral("help"));
+    options.wantsVersion = parser.isSet(QStringLiteral("version"));
+    return options;
+}
+
+Failure seeHelp(const QString &wrong)
+{
+    return {wrong + QStringLiteral(": see canbus-monitor --help")};
+}
+
+Outcome<Options> checkedOptions(const QCommandLineParser &parser)
+{
+    Options options = plainOptions(parser);
+    if (!parser.positionalArguments().isEmpty())
+        return seeHelp(
+            QStringLiteral("%1 is no option").arg(quoted(parser.positionalArguments().constFirst())));
+    if (options.port.isEmpty())
+        return Failure {QStringLiteral("--port is empty: write a device, for example /dev/ttyS3")};
+    if (parser.isSet(QStringLiteral("baud"))) {
+        const Outcome<int> baud = parseBaud(parser.value(QStringLiteral("baud")));
+        if (!baud)
+            return baud.failure();
+        options.baud = *baud;
+    }
+    if (parser.isSet(QStringLiteral("for"))) {
+        const Outcome<int> duration = parseDuration(parser.value(QStringLiteral("for")));
+        if (!duration)
+            return duration.failure();
+        options.durationMs = *duration;
+    }
+    return options;
+}
+
+QString withoutFullStop(QString text)
+{
+    if (text.endsWith(QLatin1Char('.')))
+        text.chop(1);
+    return text;
+}
+
+} // namespace
+
+Outcome<Options> parseOptions(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    setUp(parser);
+    if (!parser.parse(arguments))
+        return seeHelp(withoutFullStop(parser.errorText()));
+    if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("version")))
+        return plainOptions(parser);
+    return checkedOptions(parser);
+}
+
+QString helpText()
+{
+    QCommandLineParser parser;
+    setUp(parser);
+    return parser.helpText();
+}
+
+} // namespace canbus::monitor

@@ -1,0 +1,48 @@
+#include "similarnames.h"
+
+#include <QtCore/QVector>
+
+#include <algorithm>
+#include <numeric>
+
+namespace canbus::monitor {
+
+namespace {
+
+/// How many letters must be put in, left out or exchanged to make one text of the other.
+int editDistance(const QString &from, const QString &to)
+{
+    QVector<int> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (int i = 0; i < from.size(); ++i) {
+        int diagonal = row[0];
+        row[0] = i + 1;
+        for (int j = 0; j < to.size(); ++j) {
+            const int exchanged = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({exchanged, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.last();
+}
+
+bool isNear(const QString &name, const QString &candidate)
+{
+    const QString written = name.toLower();
+    const QString meant = candidate.toLower();
+    return meant.contains(written) || editDistance(written, meant) <= 1 + written.size() / 4;
+}
+
+} // namespace
+
+QStringList similarNames(const QString &name, const QStringList &candidates)
+{
+    QStringList near;
+    for (const QString &candidate : candidates) {
+        if (isNear(name, candidate))
+            near << candidate;
+    }
+    return near;
+}
+
+} // namespace canbus::monitor

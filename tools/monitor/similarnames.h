@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+namespace canbus::monitor {
+
+/// The candidates that somebody who wrote `name` may have meant: those that contain it or differ from it by
+/// a few letters, whatever their case.
+QStringList similarNames(const QString &name, const QStringList &candidates);
+
+} // namespace canbus::monitor
