@@ -1,0 +1,273 @@
+#include "support/threadsatexit.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QSemaphore>
+#include <QtCore/QThread>
+#include <QtTest/QtTest>
+
+#include <cstdlib>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace canbus;
+
+namespace {
+
+/// Writes to the process's output at once, whatever is gone already.
+void say(const char *word)
+{
+    if (::write(STDOUT_FILENO, word, qstrlen(word)) < 0)
+        ::_exit(99);
+}
+
+/// A static object that tells, when it is destroyed, whether a thread was still running then.
+class Witness {
+public:
+    explicit Witness(const QThread *thread)
+        : m_thread(thread)
+    {
+    }
+    ~Witness() { say(m_thread->isFinished() ? "finished " : "running "); }
+
+private:
+    Q_DISABLE_COPY(Witness)
+    const QThread *m_thread;
+};
+
+/// A thread with an event loop, never deleted, as a host leaves it behind.
+QThread *startedThread()
+{
+    auto *thread = new QThread;
+    thread->start();
+    return thread;
+}
+
+void addAsking(QThread *thread)
+{
+    threadsAtExit::add(thread, [thread] {
+        say("asked ");
+        thread->quit();
+    });
+}
+
+QCoreApplication *makeApplication()
+{
+    static char name[] = "host";
+    static char *arguments[] = {name, nullptr};
+    static int count = 1;
+    return new QCoreApplication(count, arguments);
+}
+
+QThread *g_thread = nullptr; // what the leak checker finds the threads of a child by
+QThread *g_secondThread = nullptr;
+
+// The ways in which a process ends. Each runs in a child process of its own.
+
+void destroysTheApplication()
+{
+    QCoreApplication *const application = makeApplication();
+    g_thread = startedThread();
+    addAsking(g_thread);
+    delete application;
+    say(g_thread->isFinished() ? "finished " : "running ");
+}
+
+void leavesTheApplicationAlone()
+{
+    makeApplication();
+    g_thread = startedThread();
+    static Witness witness(g_thread);
+    addAsking(g_thread);
+}
+
+void addsAThreadBehindAYoungerObject()
+{
+    g_thread = startedThread();
+    addAsking(g_thread);
+    g_secondThread = startedThread();
+    static Witness witness(g_secondThread);
+    addAsking(g_secondThread);
+}
+
+void addsAThreadInASecondApplication()
+{
+    for (QThread **thread : {&g_thread, &g_secondThread}) {
+        QCoreApplication *const application = makeApplication();
+        *thread = startedThread();
+        addAsking(*thread);
+        delete application;
+        say((*thread)->isFinished() ? "finished " : "running ");
+    }
+}
+
+void forgetsAThread()
+{
+    g_thread = startedThread();
+    addAsking(g_thread);
+    g_secondThread = startedThread();
+    threadsAtExit::add(g_secondThread, [] {
+        say("the other ");
+        g_secondThread->quit();
+    });
+    g_thread->quit();
+    g_thread->wait();
+    threadsAtExit::remove(g_thread);
+}
+
+void leavesAThreadThatDoesNotEnd()
+{
+    static QSemaphore never;
+    g_thread = QThread::create([] { never.acquire(); });
+    g_thread->start();
+    threadsAtExit::add(g_thread, [] { say("asked "); });
+}
+
+void endsOnARegisteredThread()
+{
+    g_thread = QThread::create([] { std::exit(0); });
+    addAsking(g_thread);
+    g_thread->start();
+    for (;;)
+        ::pause();
+}
+
+void takesAThreadOffTheListWhileEnding()
+{
+    g_thread = startedThread();
+    threadsAtExit::add(g_thread, [] {
+        // A host may take threads off the list on its own way out: the list's lock is free here.
+        threadsAtExit::remove(g_secondThread);
+        say("asked ");
+        g_thread->quit();
+    });
+}
+
+/// What a child process has written, errors included, and how it has ended.
+struct Outcome {
+    QByteArray output;
+    int status = -1;
+    qint64 elapsedMs = 0;
+};
+
+Outcome outcomeOf(void (*way)())
+{
+    QElapsedTimer clock;
+    clock.start();
+    int ends[2];
+    if (::pipe(ends) != 0)
+        return {};
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::alarm(60); // one that hangs ends by a signal
+        ::dup2(ends[1], STDOUT_FILENO);
+        ::dup2(ends[1], STDERR_FILENO);
+        ::close(ends[0]);
+        ::close(ends[1]);
+        way();
+        std::exit(0);
+    }
+    ::close(ends[1]);
+    Outcome outcome;
+    char block[256];
+    for (ssize_t size = ::read(ends[0], block, sizeof block); size > 0;
+         size = ::read(ends[0], block, sizeof block))
+        outcome.output.append(block, int(size));
+    ::close(ends[0]);
+    ::waitpid(child, &outcome.status, 0);
+    outcome.elapsedMs = clock.elapsed();
+    return outcome;
+}
+
+} // namespace
+
+class TestThreadsAtExit : public QObject {
+    Q_OBJECT
+
+public:
+    /// Called before the application object exists: a child process is made while there is but one thread.
+    static void initMain();
+
+private Q_SLOTS:
+    void endsThreadsWithTheApplicationObject();
+    void endsThreadsBeforeObjectsThatWereThereWhenTheyWereAdded();
+    void endsAThreadBeforeAnObjectThatIsYoungerThanTheFirstThread();
+    void endsTheThreadsOfASecondApplicationObject();
+    void leavesAForgottenThreadAlone();
+    void exitsInSpiteOfAThreadThatDoesNotEnd();
+    void doesNotWaitForTheThreadThatExits();
+    void holdsNoLockWhileAThreadIsAsked();
+
+private:
+    static Outcome s_destroyed, s_left, s_younger, s_second, s_forgotten, s_stuck, s_own, s_nested;
+};
+
+Outcome TestThreadsAtExit::s_destroyed, TestThreadsAtExit::s_left, TestThreadsAtExit::s_younger,
+    TestThreadsAtExit::s_second, TestThreadsAtExit::s_forgotten, TestThreadsAtExit::s_stuck,
+    TestThreadsAtExit::s_own, TestThreadsAtExit::s_nested;
+
+void TestThreadsAtExit::initMain()
+{
+    s_destroyed = outcomeOf(destroysTheApplication);
+    s_left = outcomeOf(leavesTheApplicationAlone);
+    s_younger = outcomeOf(addsAThreadBehindAYoungerObject);
+    s_second = outcomeOf(addsAThreadInASecondApplication);
+    s_forgotten = outcomeOf(forgetsAThread);
+    s_stuck = outcomeOf(leavesAThreadThatDoesNotEnd);
+    s_own = outcomeOf(endsOnARegisteredThread);
+    s_nested = outcomeOf(takesAThreadOffTheListWhileEnding);
+}
+
+void TestThreadsAtExit::endsThreadsWithTheApplicationObject()
+{
+    // Asked once, although the process exits afterwards.
+    QCOMPARE(s_destroyed.output, QByteArray("asked finished "));
+    QCOMPARE(s_destroyed.status, 0);
+}
+
+void TestThreadsAtExit::endsThreadsBeforeObjectsThatWereThereWhenTheyWereAdded()
+{
+    QCOMPARE(s_left.output, QByteArray("asked finished "));
+    QCOMPARE(s_left.status, 0);
+}
+
+void TestThreadsAtExit::endsAThreadBeforeAnObjectThatIsYoungerThanTheFirstThread()
+{
+    QCOMPARE(s_younger.output, QByteArray("asked asked finished "));
+    QCOMPARE(s_younger.status, 0);
+}
+
+void TestThreadsAtExit::endsTheThreadsOfASecondApplicationObject()
+{
+    QCOMPARE(s_second.output, QByteArray("asked finished asked finished "));
+    QCOMPARE(s_second.status, 0);
+}
+
+void TestThreadsAtExit::leavesAForgottenThreadAlone()
+{
+    QCOMPARE(s_forgotten.output, QByteArray("the other "));
+    QCOMPARE(s_forgotten.status, 0);
+}
+
+void TestThreadsAtExit::exitsInSpiteOfAThreadThatDoesNotEnd()
+{
+    QCOMPARE(s_stuck.output, QByteArray("asked "));
+    QCOMPARE(s_stuck.status, 0);
+    QVERIFY2(s_stuck.elapsedMs < 20000, qPrintable(QString::number(s_stuck.elapsedMs)));
+}
+
+void TestThreadsAtExit::doesNotWaitForTheThreadThatExits()
+{
+    // Waiting for oneself is answered by a warning in the output.
+    QCOMPARE(s_own.output, QByteArray("asked "));
+    QCOMPARE(s_own.status, 0);
+}
+
+void TestThreadsAtExit::holdsNoLockWhileAThreadIsAsked()
+{
+    QCOMPARE(s_nested.output, QByteArray("asked "));
+    QCOMPARE(s_nested.status, 0);
+}
+
+QTEST_GUILESS_MAIN(TestThreadsAtExit)
+#include "tst_threadsatexit.moc"
