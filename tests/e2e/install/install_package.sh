@@ -112,10 +112,10 @@ expect_headers_stand_alone() {
     done
 }
 
-# next_line SECONDS PATTERN: reads stdin up to a line that begins so.
+# next_line SECONDS PATTERN: reads stdin up to a line that begins so; false when none does in that time.
 next_line() {
-    local line
-    while IFS= read -r -t "$1" line; do
+    local line end=$((SECONDS + $1))
+    while [ "$SECONDS" -lt "$end" ] && IFS= read -r -t "$1" line; do
         [[ $line != "$2"* ]] || return 0
     done
     return 1
