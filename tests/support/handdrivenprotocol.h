@@ -1,5 +1,6 @@
 #pragma once
 
+#include "logrecorder.h"
 #include "velcanbusprotocol.h"
 
 #include <QtCore/QByteArray>
@@ -35,6 +36,8 @@ public:
 
     canbus::VelCanBusProtocol *operator->() const { return m_protocol.get(); }
     canbus::VelCanBusProtocol *get() const { return m_protocol.get(); }
+
+    LogRecorder &log() { return m_log; }
 
     static canbus::CanBusReadBuff *buffer() { return canbus::CanBusReadBuff::instance(); }
 
@@ -97,6 +100,7 @@ private:
         });
     }
 
+    LogRecorder m_log;
     std::unique_ptr<canbus::VelCanBusProtocol> m_protocol;
     QStringList m_events;
 };
