@@ -59,6 +59,13 @@ public:
         return all;
     }
 
+    /// The speed that the other end sends at.
+    speed_t speed() const
+    {
+        const termios all = settings();
+        return ::cfgetospeed(&all);
+    }
+
 private:
     Q_DISABLE_COPY(PseudoTerminal)
 

@@ -21,6 +21,18 @@ void say(const char *word)
         ::_exit(99);
 }
 
+/// A thread that runs until it is told to end.
+class Worker : public QThread {
+public:
+    void requestEnd() { m_end.release(); }
+
+protected:
+    void run() override { m_end.acquire(); }
+
+private:
+    QSemaphore m_end;
+};
+
 /// A static object that tells, when it is destroyed, whether a thread was still running then.
 class Witness {
 public:
@@ -35,19 +47,19 @@ private:
     const QThread *m_thread;
 };
 
-/// A thread with an event loop, never deleted, as a host leaves it behind.
-QThread *startedThread()
+/// A running thread that is never deleted, as a host leaves it behind.
+Worker *startedWorker()
 {
-    auto *thread = new QThread;
-    thread->start();
-    return thread;
+    auto *worker = new Worker;
+    worker->start();
+    return worker;
 }
 
-void addAsking(QThread *thread)
+void addAsking(Worker *worker)
 {
-    threadsAtExit::add(thread, [thread] {
+    threadsAtExit::add(worker, [worker] {
         say("asked ");
-        thread->quit();
+        worker->requestEnd();
     });
 }
 
@@ -59,42 +71,42 @@ QCoreApplication *makeApplication()
     return new QCoreApplication(count, arguments);
 }
 
-QThread *g_thread = nullptr; // what the leak checker finds the threads of a child by
-QThread *g_secondThread = nullptr;
+Worker *g_worker = nullptr; // what the leak checker finds the threads of a child by
+Worker *g_secondWorker = nullptr;
 
 // The ways in which a process ends. Each runs in a child process of its own.
 
 void destroysTheApplication()
 {
     QCoreApplication *const application = makeApplication();
-    g_thread = startedThread();
-    addAsking(g_thread);
+    g_worker = startedWorker();
+    addAsking(g_worker);
     delete application;
-    say(g_thread->isFinished() ? "finished " : "running ");
+    say(g_worker->isFinished() ? "finished " : "running ");
 }
 
 void leavesTheApplicationAlone()
 {
     makeApplication();
-    g_thread = startedThread();
-    static Witness witness(g_thread);
-    addAsking(g_thread);
+    g_worker = startedWorker();
+    static Witness witness(g_worker);
+    addAsking(g_worker);
 }
 
 void addsAThreadBehindAYoungerObject()
 {
-    g_thread = startedThread();
-    addAsking(g_thread);
-    g_secondThread = startedThread();
-    static Witness witness(g_secondThread);
-    addAsking(g_secondThread);
+    g_worker = startedWorker();
+    addAsking(g_worker);
+    g_secondWorker = startedWorker();
+    static Witness witness(g_secondWorker);
+    addAsking(g_secondWorker);
 }
 
 void addsAThreadInASecondApplication()
 {
-    for (QThread **thread : {&g_thread, &g_secondThread}) {
+    for (Worker **thread : {&g_worker, &g_secondWorker}) {
         QCoreApplication *const application = makeApplication();
-        *thread = startedThread();
+        *thread = startedWorker();
         addAsking(*thread);
         delete application;
         say((*thread)->isFinished() ? "finished " : "running ");
@@ -103,43 +115,41 @@ void addsAThreadInASecondApplication()
 
 void forgetsAThread()
 {
-    g_thread = startedThread();
-    addAsking(g_thread);
-    g_secondThread = startedThread();
-    threadsAtExit::add(g_secondThread, [] {
+    g_worker = startedWorker();
+    addAsking(g_worker);
+    g_secondWorker = startedWorker();
+    threadsAtExit::add(g_secondWorker, [] {
         say("the other ");
-        g_secondThread->quit();
+        g_secondWorker->requestEnd();
     });
-    g_thread->quit();
-    g_thread->wait();
-    threadsAtExit::remove(g_thread);
+    g_worker->requestEnd();
+    g_worker->wait();
+    threadsAtExit::remove(g_worker);
 }
 
 void leavesAThreadThatDoesNotEnd()
 {
-    static QSemaphore never;
-    g_thread = QThread::create([] { never.acquire(); });
-    g_thread->start();
-    threadsAtExit::add(g_thread, [] { say("asked "); });
+    g_worker = startedWorker();
+    threadsAtExit::add(g_worker, [] { say("asked "); });
 }
 
 void endsOnARegisteredThread()
 {
-    g_thread = QThread::create([] { std::exit(0); });
-    addAsking(g_thread);
-    g_thread->start();
+    static QThread *const exiting = QThread::create([] { std::exit(0); });
+    threadsAtExit::add(exiting, [] { say("asked "); });
+    exiting->start();
     for (;;)
         ::pause();
 }
 
 void takesAThreadOffTheListWhileEnding()
 {
-    g_thread = startedThread();
-    threadsAtExit::add(g_thread, [] {
+    g_worker = startedWorker();
+    threadsAtExit::add(g_worker, [] {
         // A host may take threads off the list on its own way out: the list's lock is free here.
-        threadsAtExit::remove(g_secondThread);
+        threadsAtExit::remove(g_secondWorker);
         say("asked ");
-        g_thread->quit();
+        g_worker->requestEnd();
     });
 }
 
