@@ -1,0 +1,315 @@
+#include "boxsim/line.h"
+#include "boxsim/session.h"
+
+#include "hexbytes.h"
+
+#include <QtTest/QtTest>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+using boxsim::BoxOptions;
+using boxsim::Line;
+
+namespace {
+
+/// A head unit's end of the pseudo-terminal, opened as a plain file: nothing but the line sets it raw.
+class Device {
+public:
+    explicit Device(const QString &path)
+        : m_fd(::open(qPrintable(path), O_RDWR | O_NOCTTY | O_NONBLOCK))
+    {
+    }
+    ~Device()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    Q_DISABLE_COPY(Device)
+
+    bool isOpen() const { return m_fd >= 0; }
+    bool write(const QByteArray &block)
+    {
+        return ::write(m_fd, block.constData(), size_t(block.size())) == block.size();
+    }
+
+    /// What has come since the device was opened.
+    QByteArray received()
+    {
+        char buffer[4096];
+        for (ssize_t size = 0; (size = ::read(m_fd, buffer, sizeof buffer)) > 0;)
+            m_received.append(buffer, int(size));
+        return m_received;
+    }
+
+private:
+    int m_fd;
+    QByteArray m_received;
+};
+
+QByteArray everyByte()
+{
+    QByteArray all;
+    for (int byte = 0; byte < 256; ++byte)
+        all.append(char(byte));
+    return all;
+}
+
+} // namespace
+
+class TestBoxsimLine : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void linksToAPseudoTerminal();
+    void passesEveryByteBothWays();
+    void outlivesHeadUnitsThatComeAndGo();
+    void losesWhatNobodyReads();
+    void replacesALinkThatLeadsNowhere();
+    void replacesALinkToAPseudoTerminal();
+    void leavesOtherFilesAlone_data();
+    void leavesOtherFilesAlone();
+    void leavesALinkAloneThatIsNotItsOwnAnyMore();
+    void saysWhyTheLinkCannotBeMade();
+    void saysWhyAPortCannotBeOpened();
+    void talksOverAnyDeviceAsAPort();
+    void saysOnceThatThePortIsGone();
+    void answersOnTheLine_data();
+    void answersOnTheLine();
+
+private:
+    std::unique_ptr<Line> open();
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_link;
+};
+
+void TestBoxsimLine::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+    m_link = m_folder->filePath("box");
+}
+
+std::unique_ptr<Line> TestBoxsimLine::open()
+{
+    QString error;
+    std::unique_ptr<Line> line = boxsim::openPty(m_link, &error);
+    if (!line)
+        qWarning("%s", qPrintable(error));
+    return line;
+}
+
+void TestBoxsimLine::linksToAPseudoTerminal()
+{
+    std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+
+    QVERIFY(QFile::symLinkTarget(m_link).startsWith("/dev/pts/"));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+             QStringList {"box"});
+    line.reset();
+    QVERIFY(!QFileInfo(m_link).isSymLink());
+}
+
+void TestBoxsimLine::passesEveryByteBothWays()
+{
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    QByteArray arrived;
+    connect(line.get(), &Line::received, this, [&arrived](const QByteArray &bytes) { arrived += bytes; });
+    Device device(m_link);
+    QVERIFY(device.isOpen());
+
+    QVERIFY(device.write(everyByte()));
+    QTRY_COMPARE_WITH_TIMEOUT(arrived, everyByte(), 30000);
+    line->write(everyByte());
+    QTRY_COMPARE_WITH_TIMEOUT(device.received(), everyByte(), 30000);
+}
+
+void TestBoxsimLine::outlivesHeadUnitsThatComeAndGo()
+{
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    QByteArray arrived;
+    QSignalSpy failed(line.get(), &Line::failed);
+    connect(line.get(), &Line::received, this, [&arrived](const QByteArray &bytes) { arrived += bytes; });
+
+    for (int i = 1; i <= 3; ++i) {
+        Device device(m_link);
+        QVERIFY(device.write(bytes("9f 06")));
+        QTRY_COMPARE_WITH_TIMEOUT(arrived.size(), 2 * i, 30000);
+    }
+    QCOMPARE(failed.size(), 0);
+}
+
+void TestBoxsimLine::losesWhatNobodyReads()
+{
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+
+    for (int i = 0; i < 100; ++i)
+        line->write(QByteArray(4096, 'x'));
+
+    Device device(m_link);
+    QTRY_VERIFY_WITH_TIMEOUT(!device.received().isEmpty(), 30000);
+    QVERIFY(device.received().size() < 100 * 4096);
+}
+
+void TestBoxsimLine::replacesALinkThatLeadsNowhere()
+{
+    QVERIFY(QFile::link(m_folder->filePath("gone"), m_link));
+
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    QVERIFY(QFile::symLinkTarget(m_link).startsWith("/dev/pts/"));
+}
+
+void TestBoxsimLine::replacesALinkToAPseudoTerminal()
+{
+    const std::unique_ptr<Line> first = open();
+    QVERIFY(first);
+    const QString firstTarget = QFile::symLinkTarget(m_link);
+
+    const std::unique_ptr<Line> second = open();
+    QVERIFY(second);
+    QVERIFY(QFile::symLinkTarget(m_link).startsWith("/dev/pts/"));
+    QVERIFY(QFile::symLinkTarget(m_link) != firstTarget);
+}
+
+void TestBoxsimLine::leavesOtherFilesAlone_data()
+{
+    QTest::addColumn<bool>("throughALink");
+
+    QTest::newRow("a file") << false;
+    QTest::newRow("a link to a file") << true;
+}
+
+void TestBoxsimLine::leavesOtherFilesAlone()
+{
+    QFETCH(bool, throughALink);
+    QFile file(throughALink ? m_folder->filePath("file") : m_link);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write("kept"), qint64(4));
+    file.close();
+    if (throughALink)
+        QVERIFY(QFile::link(file.fileName(), m_link));
+    QString error;
+
+    QVERIFY(!boxsim::openPty(m_link, &error));
+
+    QCOMPARE(error,
+             m_link + " exists and is not a link to a pseudo-terminal; remove it or choose another path");
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("kept"));
+    QCOMPARE(QFileInfo(m_link).isSymLink(), throughALink);
+}
+
+void TestBoxsimLine::leavesALinkAloneThatIsNotItsOwnAnyMore()
+{
+    std::unique_ptr<Line> first = open();
+    const std::unique_ptr<Line> second = open();
+    QVERIFY(first && second);
+    const QString target = QFile::symLinkTarget(m_link);
+
+    first.reset();
+
+    QCOMPARE(QFile::symLinkTarget(m_link), target);
+}
+
+void TestBoxsimLine::saysWhyTheLinkCannotBeMade()
+{
+    const QString link = m_folder->filePath("nofolder/box");
+    QString error;
+
+    QVERIFY(!boxsim::openPty(link, &error));
+    QCOMPARE(error, QStringLiteral("cannot make the link %1: No such file or directory").arg(link));
+}
+
+void TestBoxsimLine::saysWhyAPortCannotBeOpened()
+{
+    QString error;
+
+    QVERIFY(!boxsim::openPort(m_link, 57600, &error));
+    QCOMPARE(error, QStringLiteral("cannot open %1: No such file or directory").arg(m_link));
+}
+
+void TestBoxsimLine::talksOverAnyDeviceAsAPort()
+{
+    const std::unique_ptr<Line> far = open();
+    QVERIFY(far);
+    QString error;
+    const std::unique_ptr<Line> port = boxsim::openPort(m_link, 57600, &error);
+    QVERIFY2(port, qPrintable(error));
+    QByteArray atPort;
+    QByteArray atFar;
+    connect(port.get(), &Line::received, this, [&atPort](const QByteArray &bytes) { atPort += bytes; });
+    connect(far.get(), &Line::received, this, [&atFar](const QByteArray &bytes) { atFar += bytes; });
+
+    far->write(everyByte());
+    port->write(everyByte());
+
+    QTRY_COMPARE_WITH_TIMEOUT(atPort, everyByte(), 30000);
+    QTRY_COMPARE_WITH_TIMEOUT(atFar, everyByte(), 30000);
+}
+
+void TestBoxsimLine::saysOnceThatThePortIsGone()
+{
+    std::unique_ptr<Line> far = open();
+    QVERIFY(far);
+    QString error;
+    const std::unique_ptr<Line> port = boxsim::openPort(m_link, 57600, &error);
+    QVERIFY2(port, qPrintable(error));
+    QStringList failures;
+    connect(port.get(), &Line::failed, this, [&failures](const QString &text) { failures.append(text); });
+
+    far.reset();
+    QTRY_COMPARE_WITH_TIMEOUT(failures.size(), 1, 30000);
+    port->write(bytes("9f 06"));
+    QCoreApplication::processEvents();
+
+    QCOMPARE(failures.size(), 1);
+    QVERIFY2(failures.at(0).contains(" failed: "), qPrintable(failures.at(0)));
+}
+
+void TestBoxsimLine::answersOnTheLine_data()
+{
+    QTest::addColumn<bool>("split");
+
+    QTest::newRow("in whole blocks") << false;
+    QTest::newRow("byte by byte") << true;
+}
+
+void TestBoxsimLine::answersOnTheLine()
+{
+    QFETCH(bool, split);
+
+    class RecordedLine : public Line {
+    public:
+        void write(const QByteArray &block) override { blocks.append(block); }
+        QVector<QByteArray> blocks;
+    } line;
+    boxsim::Session session(&line, BoxOptions(), split);
+    QStringList commands;
+    connect(&session, &boxsim::Session::happened, this,
+            [&commands](const boxsim::Event &event) { commands.append(event.command.name); });
+
+    Q_EMIT line.received(bytes("9f 02 21 01 00 00 00 20 9f 03"));
+
+    const QByteArray answers = bytes("9f 06 21 21 9f 03  9f 02 40 01 00 00 01 40 9f 03");
+    const auto written = [&line] {
+        QByteArray all;
+        for (const QByteArray &block : qAsConst(line.blocks))
+            all += block;
+        return all;
+    };
+    QCOMPARE(written(), answers);
+    QCOMPARE(line.blocks.size(), split ? 16 : 2);
+    QCOMPARE(commands, QStringList {"connection.request"});
+    QTRY_VERIFY_WITH_TIMEOUT(written().startsWith(answers + answers.mid(6)), 30000);
+}
+
+QTEST_GUILESS_MAIN(TestBoxsimLine)
+#include "tst_boxsim_line.moc"
