@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
+#include <QtCore/QVector>
+
+#include <algorithm>
+#include <csignal>
+
+/// One of the commands under test as a process of its own, whose standard output is collected line by line.
+class Program {
+public:
+    /// @param name  of a command in the build's bin folder
+    Program(const QString &name, const QStringList &arguments)
+    {
+        m_process.setProcessChannelMode(QProcess::SeparateChannels);
+        m_process.start(QStringLiteral(CANBUS_BIN_DIR "/") + name, arguments);
+    }
+
+    ~Program()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+    void writeLine(const QByteArray &line) { m_process.write(line + '\n'); }
+
+    void signal(int number) { ::kill(pid_t(m_process.processId()), number); }
+
+    /// All lines of standard output so far.
+    const QVector<QByteArray> &lines()
+    {
+        m_process.waitForReadyRead(0);
+        while (m_process.canReadLine())
+            m_lines.append(m_process.readLine().trimmed());
+        return m_lines;
+    }
+
+    /// The lines as JSON objects; lines that are none give empty objects.
+    QVector<QJsonObject> objects()
+    {
+        const QVector<QByteArray> all = lines();
+        while (m_objects.size() < all.size())
+            m_objects.append(QJsonDocument::fromJson(all.at(m_objects.size())).object());
+        return m_objects;
+    }
+
+    template <class Condition>
+    bool hasObject(Condition &&condition)
+    {
+        const QVector<QJsonObject> all = objects();
+        return std::any_of(all.begin(), all.end(), condition);
+    }
+
+    template <class Condition>
+    int count(Condition &&condition)
+    {
+        const QVector<QJsonObject> all = objects();
+        return int(std::count_if(all.begin(), all.end(), condition));
+    }
+
+    bool isRunning()
+    {
+        m_process.waitForReadyRead(0);
+        return m_process.state() == QProcess::Running;
+    }
+
+    /// Waits for the end. @return whether the process ended by itself, with status 0
+    bool endsWell(int ms = 10000)
+    {
+        if (!m_process.waitForFinished(ms) && m_process.state() != QProcess::NotRunning)
+            return false;
+        return m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
+    }
+
+    /// The lines of standard error. Left out: "8" of the port, which says that a read found nothing, as it
+    /// may when a write has waited on the same line.
+    QList<QByteArray> complaints()
+    {
+        QList<QByteArray> lines = m_process.readAllStandardError().split('\n');
+        const auto isHarmless = [](const QByteArray &line) {
+            return line.isEmpty() || (line.contains("handleError()") && line.endsWith(" -- 8"));
+        };
+        lines.erase(std::remove_if(lines.begin(), lines.end(), isHarmless), lines.end());
+        return lines;
+    }
+
+    /// Processor time that the process has used, in clock ticks of the system.
+    long processorTicks() const
+    {
+        QFile stat(QStringLiteral("/proc/%1/stat").arg(m_process.processId()));
+        if (!stat.open(QIODevice::ReadOnly))
+            return -1;
+        const QByteArray text = stat.readAll();
+        const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+        return fields.value(11).toLong() + fields.value(12).toLong();
+    }
+
+private:
+    QProcess m_process;
+    QVector<QByteArray> m_lines;
+    QVector<QJsonObject> m_objects;
+};

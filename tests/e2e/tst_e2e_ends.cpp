@@ -1,0 +1,105 @@
+#include "bench.h"
+
+#include <QtTest>
+
+#include <unistd.h>
+
+// How the two sides end, in the middle of traffic: by Ctrl-C, by the other side's end, by a box that falls
+// silent.
+
+namespace {
+
+constexpr int kLossMs = 15000 + 900 + 5000; // the next connection check, its loss, and a slow machine
+
+} // namespace
+
+class EndToEndEnds : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void bothSidesEndByCtrlC_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::newRow("Ctrl-C") << SIGINT;
+        QTest::newRow("termination") << SIGTERM;
+    }
+
+    void bothSidesEndByCtrlC()
+    {
+        QFETCH(int, number);
+        Bench bench;
+        QVERIFY(bench.startBox());
+        bench.startMonitor();
+        QVERIFY(bench.waitForLink());
+        bench.monitor->signal(number);
+        QVERIFY(bench.monitor->endsWell());
+        QCOMPARE(bench.monitor->complaints(), QList<QByteArray>());
+        bench.box->signal(number);
+        QVERIFY(bench.box->endsWell());
+        QVERIFY(!QFileInfo(bench.link()).isSymLink());
+    }
+
+    void theHeadUnitOutlivesTheBox()
+    {
+        Bench bench;
+        QVERIFY(bench.startBox());
+        bench.startMonitor();
+        QVERIFY(bench.waitForLink());
+        bench.box->signal(SIGINT);
+        QVERIFY(bench.box->endsWell());
+
+        const long before = bench.monitor->processorTicks();
+        QVERIFY(bench.waitForLink(false, kLossMs));
+        // Many seconds on a line that is gone: a port that is asked for ever would have used them all up.
+        QVERIFY(bench.monitor->processorTicks() - before < 2 * sysconf(_SC_CLK_TCK));
+        QVERIFY(bench.monitor->isRunning());
+        bench.monitor->signal(SIGINT);
+        QVERIFY(bench.monitor->endsWell());
+        QVERIFY(bench.monitor->complaints().size() < 10);
+    }
+
+    void aBoxThatFallsSilentIsALostLink()
+    {
+        Bench bench({"--silent-after", "8000"});
+        QVERIFY(bench.startBox());
+        bench.startMonitor();
+        QVERIFY(bench.waitForLink());
+        QVERIFY(bench.waitForLink(false, 8000 + kLossMs));
+        // And the handshake begins anew: connect requests, each retransmitted.
+        const auto isRequest = [](const QJsonObject &line) {
+            return line["name"] == QLatin1String("connection.request");
+        };
+        const int before = bench.box->count(isRequest);
+        QVERIFY(QTest::qWaitFor([&] { return bench.box->count(isRequest) >= before + 4; }, 15000));
+    }
+
+    void theBoxOutlivesTheHeadUnit()
+    {
+        Bench bench;
+        QVERIFY(bench.startBox());
+        bench.startMonitor();
+        QVERIFY(bench.waitForLink());
+        bench.monitor->signal(SIGINT);
+        QVERIFY(bench.monitor->endsWell());
+        bench.startMonitor();
+        QVERIFY(bench.waitForLink());
+        const auto arrives = [&] {
+            return bench.monitor->hasObject(Bench::isSignal("updateClimateMainTemp"));
+        };
+        QVERIFY(QTest::qWaitFor(arrives, 10000));
+    }
+
+    void manyExitsInTheMiddleOfTrafficAreAllClean()
+    {
+        Bench bench;
+        QVERIFY(bench.startBox());
+        for (int i = 0; i < 20; ++i) {
+            bench.startMonitor({"--for", "2.3"});
+            QVERIFY2(bench.monitor->endsWell(), QByteArray::number(i).constData());
+            QCOMPARE(bench.monitor->complaints(), QList<QByteArray>());
+        }
+    }
+};
+
+QTEST_GUILESS_MAIN(EndToEndEnds)
+#include "tst_e2e_ends.moc"
