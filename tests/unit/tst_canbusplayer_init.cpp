@@ -1,0 +1,411 @@
+#include "canbusprotocol.h"
+#include "serialport.h"
+#include "support/threadsatexit.h"
+#include "velclimategroupcmd.h"
+
+#include <canbusplayerprobe.h>
+#include <hexbytes.h>
+#include <logrecorder.h>
+#include <pseudoterminal.h>
+
+#include <QtCore/QThread>
+#include <QtTest/QtTest>
+
+#include <eventhandler.h>
+#include <mcuvechiclebridge.h>
+#include <srcdsplctrl.h>
+
+using namespace canbus;
+
+namespace {
+
+/// A protocol that keeps what it is given, and tells how often each of its signals is connected.
+class PlayedProtocol : public CanbusProtocol {
+    Q_OBJECT
+
+public:
+    void analyseData(QByteArray data) override
+    {
+        received += data;
+        receivedOn = QThread::currentThread();
+    }
+
+    QList<int> connections() const
+    {
+        return {receivers(SIGNAL(onWritPortData(QByteArray))),
+                receivers(SIGNAL(notifyCanbusStatus(bool))),
+                receivers(SIGNAL(notifyScreensInfo(QByteArray))),
+                receivers(SIGNAL(notifyClimateInfo(QByteArray, QByteArray))),
+                receivers(SIGNAL(notifyGaugesInfo(QByteArray, QByteArray))),
+                receivers(SIGNAL(notifyVehicleInfo(QByteArray, QByteArray))),
+                receivers(SIGNAL(notifyParingAssistInfo(QByteArray, QByteArray))),
+                receivers(SIGNAL(notifyScreensTransition(QByteArray))),
+                receivers(SIGNAL(notifyTextScreen(QByteArray)))};
+    }
+
+    QList<QByteArray> received;
+    QThread *receivedOn = nullptr;
+};
+
+/// A player of its own with a line and a protocol, taken down in order.
+struct Rig {
+    PseudoTerminal line;
+    PlayedProtocol protocol;
+    CanBusPlayer player;
+
+    ~Rig()
+    {
+        QThread *const worker = thread();
+        if (!worker)
+            return;
+        port()->deleteLater();
+        worker->quit();
+        worker->wait();
+        threadsAtExit::remove(worker);
+        delete worker;
+    }
+
+    void start()
+    {
+        player.setUartPort(line.name(), 57600);
+        player.init(&protocol);
+    }
+
+    void startWithoutDevice()
+    {
+        player.setUartPort(QStringLiteral("/dev/canbus-missing"), 57600);
+        player.init(&protocol);
+    }
+
+    SerialPort *port() const { return CanBusPlayerProbe::data(player).serialPort; }
+    QThread *thread() const { return CanBusPlayerProbe::thread(player); }
+    QTimer &syncTimer() const { return CanBusPlayerProbe::data(player).syncTimer; }
+};
+
+/// A signal that the player listens to, and the slot that answers it with log lines of its own.
+struct Wire {
+    const char *slot;
+    void (*send)(Rig &);
+};
+
+const Wire kWires[] = {
+    {"suppScreen(QByteArray)", [](Rig &rig) { Q_EMIT rig.protocol.notifyScreensInfo(bytes("1f")); }},
+    {"onClimateInfo(QByteArray, QByteArray)",
+     [](Rig &rig) { Q_EMIT rig.protocol.notifyClimateInfo(bytes("09"), bytes("01")); }},
+    {"onGaugesInfo(QByteArray, QByteArray)",
+     [](Rig &rig) { Q_EMIT rig.protocol.notifyGaugesInfo(bytes("09"), bytes("01")); }},
+    {"onVehicleInfo(QByteArray, QByteArray)",
+     [](Rig &rig) { Q_EMIT rig.protocol.notifyVehicleInfo(bytes("09"), bytes("01")); }},
+    {"onParingAssistInfo(QByteArray, QByteArray)",
+     [](Rig &rig) { Q_EMIT rig.protocol.notifyParingAssistInfo(bytes("09"), bytes("01")); }},
+    {"onChangeDsp(QByteArray)", [](Rig &rig) { Q_EMIT rig.protocol.notifyScreensTransition(bytes("77")); }},
+    {"onTextScreen(QByteArray)",
+     [](Rig &rig) { Q_EMIT rig.protocol.notifyTextScreen(bytes("01 02 03 04 00 41 00")); }},
+    {"onReverseChanged(bool, int)", [](Rig &) { McuVechicleBridge::instance()->setReverse(true); }},
+    {"onCanbusSourceDsplChange()",
+     [](Rig &) { EventHandler::instance()->srcDsplCtrl()->setCurrentDspl(C::DSPL_Home); }},
+};
+
+/// The slots of the player that have written log lines.
+QStringList slotsIn(const LogRecorder &log)
+{
+    QStringList found;
+    for (const LogLine &line : log.lines()) {
+        const QString signature = line.text.section(QStringLiteral("void canbus::CanBusPlayer::"), 1);
+        const QString slot = signature.section(')', 0, 0);
+        if (!slot.isEmpty())
+            found += slot + ')';
+    }
+    return found;
+}
+
+/// How often the player's slot has answered, told by its first log line.
+int answersOf(const char *slot, const LogRecorder &log)
+{
+    QStringList lines;
+    for (const LogLine &line : log.lines()) {
+        if (line.type == QtDebugMsg && line.text.contains(QStringLiteral("::CanBusPlayer::%1 ").arg(slot)))
+            lines += line.text;
+    }
+    return lines.isEmpty() ? 0 : lines.count(lines.first());
+}
+
+} // namespace
+
+class TestCanBusPlayerInit : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void opensThePortThatItWasGiven();
+    void movesThePortToAWorkerThread();
+    void logsTheStart();
+    void answersEachSignalOnce();
+    void passesTheStatusOn();
+    void passesClimateReportsToTheirGroup();
+    void listensToTheTimer();
+    void handsReceivedBytesToTheProtocolOnItsOwnThread();
+    void writesTheProtocolsBytes();
+    void writesOnTheWorkerThread();
+
+    void connectsNothingWhenThePortFails();
+    void hasAWorkerThreadAlsoWhenThePortFails();
+    void startsAfterAFailure();
+
+    void makesNoSecondThread();
+    void opensThePortAgainOnItsOwnThread();
+    void doublesTheConnectionsWhenStartedTwice();
+    void takesTheSecondProtocol();
+    void startsAWorkerThreadThatHasEnded();
+};
+
+void TestCanBusPlayerInit::init()
+{
+    McuVechicleBridge::instance()->setReverse(false);
+}
+
+void TestCanBusPlayerInit::opensThePortThatItWasGiven()
+{
+    Rig rig;
+    rig.player.setUartPort(rig.line.name(), 115200);
+    rig.player.init(&rig.protocol);
+    QVERIFY(rig.port());
+    QVERIFY(rig.port()->isOpen());
+    QCOMPARE(rig.port()->parent(), nullptr);
+    QCOMPARE(rig.line.speed(), speed_t(B115200));
+    QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, &rig.protocol);
+}
+
+void TestCanBusPlayerInit::movesThePortToAWorkerThread()
+{
+    Rig rig;
+    rig.start();
+    QVERIFY(rig.thread());
+    QVERIFY(rig.thread()->isRunning());
+    QCOMPARE(rig.thread()->parent(), nullptr);
+    QCOMPARE(rig.thread()->priority(), QThread::InheritPriority);
+    QCOMPARE(rig.port()->thread(), rig.thread());
+    QVERIFY(rig.thread() != QThread::currentThread());
+    QCOMPARE(rig.player.QObject::thread(), QThread::currentThread());
+}
+
+void TestCanBusPlayerInit::logsTheStart()
+{
+    Rig rig;
+    LogRecorder log;
+    rig.start();
+    const QString init = QStringLiteral("init(canbus::CanbusProtocol*)");
+    QCOMPARE(slotsIn(log), (QStringList {init, init}));
+    // Behind the two lines of the port: the start, and the end of the wiring.
+    QCOMPARE(log.messages("[DBG]").size(), 4);
+    QCOMPARE(log.messages("[DBG]").at(2), QStringLiteral("can uart is open"));
+    QCOMPARE(log.messages("[ERR]"), QStringList());
+}
+
+void TestCanBusPlayerInit::answersEachSignalOnce()
+{
+    Rig rig;
+    rig.start();
+    for (const Wire &wire : kWires) {
+        LogRecorder log;
+        wire.send(rig);
+        QCOMPARE(answersOf(wire.slot, log), 1);
+        QStringList answering = slotsIn(log);
+        answering.removeDuplicates();
+        QCOMPARE(answering, QStringList {wire.slot});
+    }
+    QCOMPARE(rig.protocol.connections(), (QList<int> {1, 1, 1, 1, 1, 1, 1, 1, 1}));
+}
+
+void TestCanBusPlayerInit::passesTheStatusOn()
+{
+    Rig rig;
+    rig.start();
+    QSignalSpy status(&rig.player, &CanBusPlayer::canbusConnectStatus);
+    Q_EMIT rig.protocol.notifyCanbusStatus(true);
+    Q_EMIT rig.protocol.notifyCanbusStatus(true);
+    Q_EMIT rig.protocol.notifyCanbusStatus(false);
+    QCOMPARE(status.size(), 2);
+    QCOMPARE(status.at(0).at(0).toBool(), true);
+    QCOMPARE(status.at(1).at(0).toBool(), false);
+}
+
+void TestCanBusPlayerInit::passesClimateReportsToTheirGroup()
+{
+    Rig rig;
+    rig.start();
+    QSignalSpy type(VelClimateGroupCmd::instance(), &VelClimateGroupCmd::updateClimateType);
+    QSignalSpy title(VelClimateGroupCmd::instance(), &VelClimateGroupCmd::updateClimateTopText);
+    Q_EMIT rig.protocol.notifyClimateInfo(bytes("00"), bytes("9f 41 43 00"));
+    QCOMPARE(type.size(), 1);
+    QCOMPARE(type.at(0).at(0).toInt(), 159);
+    QCOMPARE(title.size(), 1);
+    QCOMPARE(title.at(0).at(0).toString(), QStringLiteral("AC"));
+}
+
+void TestCanBusPlayerInit::listensToTheTimer()
+{
+    Rig rig;
+    rig.start();
+    rig.syncTimer().start(1);
+    // While the link is down an expiry ends the synchronisation.
+    QTRY_VERIFY(!rig.syncTimer().isActive());
+}
+
+void TestCanBusPlayerInit::handsReceivedBytesToTheProtocolOnItsOwnThread()
+{
+    Rig rig;
+    rig.start();
+    QVERIFY(rig.line.send(bytes("31 9f 00")));
+    QTRY_COMPARE(rig.protocol.received, QList<QByteArray> {bytes("31 9f 00")});
+    QCOMPARE(rig.protocol.receivedOn, QThread::currentThread());
+}
+
+void TestCanBusPlayerInit::writesTheProtocolsBytes()
+{
+    Rig rig;
+    rig.start();
+    Q_EMIT rig.protocol.onWritPortData(bytes("9f 02 21 9f 9f 00"));
+    Q_EMIT rig.protocol.onWritPortData(bytes("9f 06"));
+    QTRY_COMPARE(rig.line.received(), bytes("9f 02 21 9f 9f 00 9f 06"));
+}
+
+void TestCanBusPlayerInit::writesOnTheWorkerThread()
+{
+    Rig rig;
+    rig.start();
+    // A closed port says so, on the thread on which it was to write.
+    QVERIFY(QMetaObject::invokeMethod(rig.port(), "disconnect", Qt::BlockingQueuedConnection));
+    std::atomic<QThread *> writer {nullptr};
+    connect(
+        rig.port(), &SerialPort::status, rig.port(), [&writer] { writer = QThread::currentThread(); },
+        Qt::DirectConnection);
+    Q_EMIT rig.protocol.onWritPortData(bytes("00"));
+    QTRY_VERIFY(writer.load());
+    QCOMPARE(writer.load(), rig.thread());
+}
+
+void TestCanBusPlayerInit::connectsNothingWhenThePortFails()
+{
+    Rig rig;
+    LogRecorder log;
+    rig.startWithoutDevice();
+    QCOMPARE(slotsIn(log), QStringList());
+    QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, nullptr);
+    QCOMPARE(rig.protocol.connections(), (QList<int> {0, 0, 0, 0, 0, 0, 0, 0, 0}));
+
+    QSignalSpy status(&rig.player, &CanBusPlayer::canbusConnectStatus);
+    for (const Wire &wire : kWires)
+        wire.send(rig);
+    Q_EMIT rig.protocol.notifyCanbusStatus(true);
+    Q_EMIT rig.port()->read(bytes("31"));
+    rig.syncTimer().start(1);
+    QSignalSpy expired(&rig.syncTimer(), &QTimer::timeout);
+    QTRY_VERIFY(expired.size() >= 3);
+    QCOMPARE(slotsIn(log), QStringList());
+    QCOMPARE(status.size(), 0);
+    QCOMPARE(rig.protocol.received, QList<QByteArray>());
+    QVERIFY(rig.syncTimer().isActive());
+}
+
+void TestCanBusPlayerInit::hasAWorkerThreadAlsoWhenThePortFails()
+{
+    Rig rig;
+    rig.startWithoutDevice();
+    QVERIFY(rig.thread());
+    QVERIFY(rig.thread()->isRunning());
+    QVERIFY(!rig.port()->isOpen());
+    QCOMPARE(rig.port()->thread(), rig.thread());
+}
+
+void TestCanBusPlayerInit::startsAfterAFailure()
+{
+    Rig rig;
+    rig.startWithoutDevice();
+    QThread *const worker = rig.thread();
+    LogRecorder log;
+    rig.start();
+    QVERIFY(rig.port()->isOpen());
+    QCOMPARE(rig.thread(), worker);
+    QCOMPARE(rig.protocol.connections(), (QList<int> {1, 1, 1, 1, 1, 1, 1, 1, 1}));
+    QVERIFY(rig.line.send(bytes("31")));
+    QTRY_COMPARE(rig.protocol.received, QList<QByteArray> {bytes("31")});
+}
+
+void TestCanBusPlayerInit::makesNoSecondThread()
+{
+    Rig rig;
+    rig.start();
+    QThread *const worker = rig.thread();
+    SerialPort *const port = rig.port();
+    rig.start();
+    QCOMPARE(rig.thread(), worker);
+    QCOMPARE(rig.port(), port);
+    QCOMPARE(rig.port()->thread(), worker);
+    QVERIFY(worker->isRunning());
+}
+
+void TestCanBusPlayerInit::opensThePortAgainOnItsOwnThread()
+{
+    Rig rig;
+    rig.start();
+    QThread *openedOn = nullptr;
+    connect(
+        rig.port(), &SerialPort::connected, rig.port(), [&openedOn] { openedOn = QThread::currentThread(); },
+        Qt::DirectConnection);
+    LogRecorder log;
+    PseudoTerminal second;
+    rig.player.setUartPort(second.name(), 57600);
+    rig.player.init(&rig.protocol);
+    QCOMPARE(openedOn, rig.thread());
+    for (const LogLine &line : log.lines())
+        QVERIFY2(line.type != QtWarningMsg, qPrintable(line.text));
+    QVERIFY(second.send(bytes("31")));
+    QTRY_VERIFY(!rig.protocol.received.isEmpty());
+}
+
+void TestCanBusPlayerInit::doublesTheConnectionsWhenStartedTwice()
+{
+    Rig rig;
+    rig.start();
+    rig.start();
+    for (const Wire &wire : kWires) {
+        LogRecorder log;
+        wire.send(rig);
+        QCOMPARE(answersOf(wire.slot, log), 2);
+    }
+    QCOMPARE(rig.protocol.connections(), (QList<int> {2, 2, 2, 2, 2, 2, 2, 2, 2}));
+    Q_EMIT rig.protocol.onWritPortData(bytes("9f 06"));
+    QTRY_COMPARE(rig.line.received(), bytes("9f 06 9f 06"));
+    QVERIFY(rig.line.send(bytes("31")));
+    QTRY_COMPARE(rig.protocol.received, (QList<QByteArray> {bytes("31"), bytes("31")}));
+}
+
+void TestCanBusPlayerInit::takesTheSecondProtocol()
+{
+    Rig rig;
+    rig.start();
+    PlayedProtocol second;
+    rig.player.init(&second);
+    QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, &second);
+    QVERIFY(rig.line.send(bytes("31")));
+    QTRY_VERIFY(!second.received.isEmpty());
+    QCOMPARE(rig.protocol.received, QList<QByteArray>());
+}
+
+void TestCanBusPlayerInit::startsAWorkerThreadThatHasEnded()
+{
+    Rig rig;
+    rig.startWithoutDevice();
+    rig.thread()->quit();
+    QVERIFY(rig.thread()->wait(10000));
+    rig.start();
+    QVERIFY(rig.thread()->isRunning());
+    QVERIFY(rig.port()->isOpen());
+    QVERIFY(rig.line.send(bytes("31")));
+    QTRY_COMPARE(rig.protocol.received, QList<QByteArray> {bytes("31")});
+}
+
+QTEST_GUILESS_MAIN(TestCanBusPlayerInit)
+#include "tst_canbusplayer_init.moc"
