@@ -6,6 +6,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMap>
+#include <QtCore/QPointer>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
@@ -121,6 +122,13 @@ public:
         return timer && timer->isActive();
     }
 
+    /// Lets the timer with this interval expire at once. @return whether it is known
+    bool expire(int interval) const
+    {
+        QTimer *timer = m_timers.value(interval);
+        return timer && QMetaObject::invokeMethod(timer, "timeout", Qt::DirectConnection);
+    }
+
     bool eventFilter(QObject *receiver, QEvent *event) override
     {
         auto *timer = qobject_cast<QTimer *>(receiver);
@@ -132,6 +140,6 @@ public:
     }
 
 private:
-    QMap<int, QTimer *> m_timers;
+    QMap<int, QPointer<QTimer>> m_timers;
     QList<int> m_called;
 };
