@@ -22,11 +22,11 @@ struct Callable {
     int requiredParameters; ///< those without a default argument
 };
 
-/// What can be called on the object, in order of declaration: its class's public slots and invokable
-/// methods, those of QObject excepted.
+/// What can be called on the object: its class's public slots, then its invokable methods, each in order of
+/// declaration; those of QObject excepted.
 QVector<Callable> callablesOf(const QObject *object);
 
-/// The methods of that name that can be called, the shortened ones included, in order of declaration.
+/// The methods of that name that can be called, the shortened ones included, in the same order.
 QVector<QMetaMethod> methodsNamed(const QObject *object, const QString &name);
 
 } // namespace canbus::monitor

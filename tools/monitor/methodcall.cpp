@@ -54,6 +54,7 @@ Failure unknownControl(const Target &target, const QString &name)
     QStringList names;
     for (const Callable &callable : callablesOf(target.object))
         names << QString::fromLatin1(callable.method.name());
+    names.removeDuplicates();
     const QStringList near = similarNames(name, names);
     const QString offer = near.isEmpty()
         ? QStringLiteral("it has ") + names.join(QLatin1String(", "))

@@ -1,0 +1,128 @@
+#include "options.h"
+
+#include <QtTest/QtTest>
+
+using canbus::monitor::Form;
+using canbus::monitor::Options;
+using canbus::monitor::parseOptions;
+
+class tst_monitor_options : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hasDefaults();
+    void takesEveryOption();
+    void roundsADurationUp();
+    void helpAndVersionNeedNothingElseToBeRight();
+    void refusesAndSaysWhatWouldBeRight_data();
+    void refusesAndSaysWhatWouldBeRight();
+    void helpNamesEveryOption_data();
+    void helpNamesEveryOption();
+};
+
+namespace {
+
+auto parsed(const QStringList &arguments)
+{
+    return parseOptions(QStringList {QStringLiteral("canbus-monitor")} + arguments);
+}
+
+} // namespace
+
+void tst_monitor_options::hasDefaults()
+{
+    const auto options = parsed({});
+    QVERIFY(options);
+    QCOMPARE(options->port, QStringLiteral("/dev/ttyS3"));
+    QCOMPARE(options->baud, 57600);
+    QVERIFY(options->form == Form::Text);
+    QVERIFY(!options->durationMs);
+    QCOMPARE(options->calls, QStringList());
+    QVERIFY(!options->isVerbose);
+    QVERIFY(!options->wantsHelp);
+    QVERIFY(!options->wantsVersion);
+}
+
+void tst_monitor_options::takesEveryOption()
+{
+    const auto options = parsed({"--port", "/dev/ttyUSB0", "--baud", "9600", "--json", "--for", "2.5",
+                                 "--call", "climate.acBtn", "--call=climate.manualTemp=21", "--verbose"});
+    QVERIFY2(options, qPrintable(options.error()));
+    QCOMPARE(options->port, QStringLiteral("/dev/ttyUSB0"));
+    QCOMPARE(options->baud, 9600);
+    QVERIFY(options->form == Form::Json);
+    QCOMPARE(options->durationMs.value_or(0), 2500);
+    QCOMPARE(options->calls, (QStringList {"climate.acBtn", "climate.manualTemp=21"}));
+    QVERIFY(options->isVerbose);
+}
+
+void tst_monitor_options::roundsADurationUp()
+{
+    const auto options = parsed({"--for", "0.0001"});
+    QVERIFY2(options, qPrintable(options.error()));
+    QCOMPARE(options->durationMs.value_or(0), 1);
+}
+
+void tst_monitor_options::helpAndVersionNeedNothingElseToBeRight()
+{
+    const auto help = parsed({"--help", "--baud", "x"});
+    QVERIFY2(help, qPrintable(help.error()));
+    QVERIFY(help->wantsHelp);
+    const auto version = parsed({"--version", "more"});
+    QVERIFY2(version, qPrintable(version.error()));
+    QVERIFY(version->wantsVersion);
+}
+
+void tst_monitor_options::refusesAndSaysWhatWouldBeRight_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("error");
+
+    const QString baud = QStringLiteral(": write a whole number above 0, for example 57600");
+    const QString seconds =
+        QStringLiteral(": write a number of seconds above 0 and up to 2147483, for example 2.5");
+    QTest::newRow("unknown option") << QStringList {"--foo"}
+                                    << "Unknown option 'foo': see canbus-monitor --help";
+    QTest::newRow("no value") << QStringList {"--port"}
+                              << "Missing value after '--port': see canbus-monitor --help";
+    QTest::newRow("an argument of its own")
+        << QStringList {"/dev/ttyS1"} << R"("/dev/ttyS1" is no option: see canbus-monitor --help)";
+    QTest::newRow("empty device") << QStringList {"--port", ""}
+                                  << "--port is empty: write a device, for example /dev/ttyS3";
+    QTest::newRow("no rate") << QStringList {"--baud", "fast"} << R"(--baud "fast")" + baud;
+    QTest::newRow("rate of zero") << QStringList {"--baud", "0"} << R"(--baud "0")" + baud;
+    QTest::newRow("negative rate") << QStringList {"--baud=-9600"} << R"(--baud "-9600")" + baud;
+    QTest::newRow("rate too high for a number")
+        << QStringList {"--baud", "9999999999"} << R"(--baud "9999999999")" + baud;
+    QTest::newRow("no duration") << QStringList {"--for", "5s"} << R"(--for "5s")" + seconds;
+    QTest::newRow("duration of zero") << QStringList {"--for", "0"} << R"(--for "0")" + seconds;
+    QTest::newRow("negative duration") << QStringList {"--for=-1"} << R"(--for "-1")" + seconds;
+    QTest::newRow("not a number") << QStringList {"--for", "nan"} << R"(--for "nan")" + seconds;
+    QTest::newRow("for ever") << QStringList {"--for", "inf"} << R"(--for "inf")" + seconds;
+    QTest::newRow("too long") << QStringList {"--for", "2147484"} << R"(--for "2147484")" + seconds;
+}
+
+void tst_monitor_options::refusesAndSaysWhatWouldBeRight()
+{
+    QFETCH(QStringList, arguments);
+    const auto options = parsed(arguments);
+    QVERIFY(!options);
+    QTEST(options.error(), "error");
+}
+
+void tst_monitor_options::helpNamesEveryOption_data()
+{
+    QTest::addColumn<QString>("option");
+    for (const char *option : {"--port <DEVICE>", "--baud <N>", "--json", "--for <SECONDS>",
+                               "--call <GROUP.CONTROL[=ARG,...]>", "--verbose", "--help", "--version"})
+        QTest::newRow(option) << option;
+}
+
+void tst_monitor_options::helpNamesEveryOption()
+{
+    QFETCH(QString, option);
+    QVERIFY2(canbus::monitor::helpText().contains(option), qPrintable(canbus::monitor::helpText()));
+}
+
+QTEST_GUILESS_MAIN(tst_monitor_options)
+#include "tst_monitor_options.moc"
