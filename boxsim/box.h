@@ -57,7 +57,8 @@ struct BoxOptions {
 /// - Every data frame is acknowledged. A frame with the same bytes as the one right before it, within the
 ///   900 ms in which the head unit retransmits, is taken as a retransmission and not carried out again. A
 ///   button pressed twice is told from that by its id, which changes with the box's reply to the first
-///   press. Connect requests and checks look the same each time and are always carried out.
+///   press; pressed twice before that reply, it counts once, because the wire shows no difference.
+///   Connect requests and checks look the same each time and are always carried out.
 /// - A frame with a wrong check byte gets no answer, so that the head unit sends it again: a negative
 ///   acknowledgement would make it drop the frame.
 /// - A negative acknowledgement changes nothing: the head unit sends them while a frame is still arriving.

@@ -32,9 +32,9 @@ private:
     /// enough.
     void fail()
     {
-        if (m_port.error() == QSerialPort::NoError || m_failed)
+        if (m_port.error() == QSerialPort::NoError)
             return;
-        m_failed = true;
+        disconnect(&m_port, nullptr, this, nullptr);
         const QString error = QStringLiteral("%1 failed: %2").arg(m_port.portName(), m_port.errorString());
         QMetaObject::invokeMethod(
             this, [this] { m_port.close(); }, Qt::QueuedConnection);
@@ -42,7 +42,6 @@ private:
     }
 
     QSerialPort m_port;
-    bool m_failed = false;
 };
 
 } // namespace

@@ -268,7 +268,8 @@ void TestBoxsimLine::saysOnceThatThePortIsGone()
     far.reset();
     QTRY_COMPARE_WITH_TIMEOUT(failures.size(), 1, 30000);
     port->write(bytes("9f 06"));
-    QCoreApplication::processEvents();
+    for (int i = 0; i < 1000; ++i)
+        QCoreApplication::processEvents();
 
     QCOMPARE(failures.size(), 1);
     QVERIFY2(failures.at(0).contains(" failed: "), qPrintable(failures.at(0)));
