@@ -1,5 +1,12 @@
 # Builds for ARM hard float with Debian's cross compiler, against the sysroot that CANBUS_SYSROOT names: as a
 # cache variable (-DCANBUS_SYSROOT=...), or in the environment. Tests run in qemu's user mode.
+#
+# A root is made by
+#   mmdebstrap --variant=extract --architectures=armhf --components=main \
+#     --include=libc6-dev,libstdc++-12-dev,linux-libc-dev,qtbase5-dev,libqt5serialport5-dev,qt5-qmake \
+#     bookworm FOLDER
+# and then its absolute links are made relative to it, moc, rcc and uic in usr/lib/qt5/bin become links to the
+# programs of the building machine, and its dev folder is removed.
 
 # The compiler checks of CMake read this file again, in projects of their own: they have to be told.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES CANBUS_SYSROOT)

@@ -90,9 +90,9 @@ expect_exports() {
 flags() { PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config "$@" canbusservice; }
 
 build_by_package() {
-    "$cmake" -S "$source/examples/minimal-host" -B "$work/by-package" -DCMAKE_PREFIX_PATH="$prefix" \
-        -DCMAKE_CXX_COMPILER="$cxx" >"$work/by-package.log" || fail "$(cat "$work/by-package.log")"
-    "$cmake" --build "$work/by-package" >>"$work/by-package.log" || fail "$(cat "$work/by-package.log")"
+    "$cmake" -S "$source/examples/minimal-host" -B "$work/by-package" -G Ninja \
+        -DCMAKE_PREFIX_PATH="$prefix" -DCMAKE_CXX_COMPILER="$cxx" >"$work/by-package.log" 2>&1 || fail "$(cat "$work/by-package.log")"
+    "$cmake" --build "$work/by-package" >>"$work/by-package.log" 2>&1 || fail "$(cat "$work/by-package.log")"
 }
 
 build_by_flags() {
