@@ -190,6 +190,8 @@ void TestInterface::canBusPlayerOperationsByName_data()
     QTest::newRow("getCanbusConnectStatus()") << QStringLiteral("bool getCanbusConnectStatus()");
     QTest::newRow("getSuppScrennInfo()") << QStringLiteral("QMap<int,bool> getSuppScrennInfo()");
     QTest::newRow("getTextScreenInfo()") << QStringLiteral("void getTextScreenInfo()");
+    QTest::newRow("onMenuPress(int,int,int)")
+        << QStringLiteral("void onMenuPress(int menu, int item, int action)");
     QTest::newRow("requestNormal()") << QStringLiteral("void requestNormal()");
     QTest::newRow("getCanbusCameraEnable()") << QStringLiteral("bool getCanbusCameraEnable()");
     QTest::newRow("syncGPSTimeToCanbus(int,int,int,int,int,int)") << QStringLiteral(
