@@ -47,7 +47,8 @@ QString parameterName(const QMetaMethod &method, int index)
 QVector<Callable> callablesOf(const QObject *object)
 {
     QVector<Callable> callables;
-    for (const QMetaMethod &method : callableMethods(object)) {
+    const QVector<QMetaMethod> all = callableMethods(object);
+    for (const QMetaMethod &method : all) {
         if (isShortened(method)) // follows the method that it shortens
             callables.last().requiredParameters = method.parameterCount();
         else
@@ -59,7 +60,8 @@ QVector<Callable> callablesOf(const QObject *object)
 QVector<QMetaMethod> methodsNamed(const QObject *object, const QString &name)
 {
     QVector<QMetaMethod> methods;
-    for (const QMetaMethod &method : callableMethods(object)) {
+    const QVector<QMetaMethod> all = callableMethods(object);
+    for (const QMetaMethod &method : all) {
         if (QLatin1String(method.name()) == name)
             methods << method;
     }

@@ -18,8 +18,8 @@ QString parameterName(const QMetaMethod &method, int index);
 
 /// One operation that can be called by name.
 struct Callable {
-    QMetaMethod method;     ///< with all its parameters
-    int requiredParameters; ///< those without a default argument
+    QMetaMethod method;         ///< with all its parameters
+    int requiredParameters = 0; ///< those without a default argument
 };
 
 /// What can be called on the object: its class's public slots, then its invokable methods, each in order of

@@ -52,7 +52,8 @@ Failure unknownObject(const Targets &targets, const QString &name)
 Failure unknownControl(const Target &target, const QString &name)
 {
     QStringList names;
-    for (const Callable &callable : callablesOf(target.object))
+    const QVector<Callable> callables = callablesOf(target.object);
+    for (const Callable &callable : callables)
         names << QString::fromLatin1(callable.method.name());
     names.removeDuplicates();
     const QStringList near = similarNames(name, names);

@@ -171,7 +171,8 @@ void Monitor::call(const PreparedCall &call)
 void Monitor::printCallables()
 {
     for (const Target &target : std::as_const(m_targets)) {
-        for (const Callable &callable : callablesOf(target.object))
+        const QVector<Callable> callables = callablesOf(target.object);
+        for (const Callable &callable : callables)
             print(callableLine(m_options.form, target.name, callable));
     }
 }

@@ -3,14 +3,14 @@
 #include "exitstatus.h"
 #include "standarderror.h"
 
+#include <QtCore/qglobal.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 
-#include <limits.h>
 #include <poll.h>
 #include <unistd.h>
-
-#include <QtCore/qglobal.h>
 
 namespace canbus::monitor {
 

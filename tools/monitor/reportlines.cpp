@@ -107,10 +107,10 @@ QString callableLine(Form form, const QString &object, const Callable &callable)
 {
     if (form == Form::Json)
         return callableJson(object, callable);
-    const QString call = object + QLatin1Char('.') + nameOf(callable.method) + parameterList(callable);
-    if (callable.method.returnType() == QMetaType::Void)
-        return call;
-    return call + QLatin1String(" -> ") + QLatin1String(callable.method.typeName());
+    QString call = object + QLatin1Char('.') + nameOf(callable.method) + parameterList(callable);
+    if (callable.method.returnType() != QMetaType::Void)
+        call += QLatin1String(" -> ") + QLatin1String(callable.method.typeName());
+    return call;
 }
 
 } // namespace canbus::monitor
