@@ -98,6 +98,7 @@ void TestBytes::hasNoBitsBesideTheEight_data()
     QTest::newRow("above the highest") << 8;
     QTest::newRow("as wide as an int") << 32;
     QTest::newRow("far above") << 1000;
+    QTest::newRow("as far below as an int is wide") << -32;
     QTest::newRow("far below") << -1000;
 }
 

@@ -1,14 +1,9 @@
-#include "canbusprotocol.h"
-#include "serialport.h"
-#include "support/threadsatexit.h"
 #include "velclimategroupcmd.h"
 
-#include <canbusplayerprobe.h>
 #include <hexbytes.h>
 #include <logrecorder.h>
-#include <pseudoterminal.h>
+#include <playerrig.h>
 
-#include <QtCore/QThread>
 #include <QtTest/QtTest>
 
 #include <eventhandler.h>
@@ -19,91 +14,29 @@ using namespace canbus;
 
 namespace {
 
-/// A protocol that keeps what it is given, and tells how often each of its signals is connected.
-class PlayedProtocol : public CanbusProtocol {
-    Q_OBJECT
-
-public:
-    void analyseData(QByteArray data) override
-    {
-        received += data;
-        receivedOn = QThread::currentThread();
-    }
-
-    QList<int> connections() const
-    {
-        return {receivers(SIGNAL(onWritPortData(QByteArray))),
-                receivers(SIGNAL(notifyCanbusStatus(bool))),
-                receivers(SIGNAL(notifyScreensInfo(QByteArray))),
-                receivers(SIGNAL(notifyClimateInfo(QByteArray, QByteArray))),
-                receivers(SIGNAL(notifyGaugesInfo(QByteArray, QByteArray))),
-                receivers(SIGNAL(notifyVehicleInfo(QByteArray, QByteArray))),
-                receivers(SIGNAL(notifyParingAssistInfo(QByteArray, QByteArray))),
-                receivers(SIGNAL(notifyScreensTransition(QByteArray))),
-                receivers(SIGNAL(notifyTextScreen(QByteArray)))};
-    }
-
-    QList<QByteArray> received;
-    QThread *receivedOn = nullptr;
-};
-
-/// A player of its own with a line and a protocol, taken down in order.
-struct Rig {
-    PseudoTerminal line;
-    PlayedProtocol protocol;
-    CanBusPlayer player;
-
-    ~Rig()
-    {
-        QThread *const worker = thread();
-        if (!worker)
-            return;
-        port()->deleteLater();
-        worker->quit();
-        worker->wait();
-        threadsAtExit::remove(worker);
-        delete worker;
-    }
-
-    void start()
-    {
-        player.setUartPort(line.name(), 57600);
-        player.init(&protocol);
-    }
-
-    void startWithoutDevice()
-    {
-        player.setUartPort(QStringLiteral("/dev/canbus-missing"), 57600);
-        player.init(&protocol);
-    }
-
-    SerialPort *port() const { return CanBusPlayerProbe::data(player).serialPort; }
-    QThread *thread() const { return CanBusPlayerProbe::thread(player); }
-    QTimer &syncTimer() const { return CanBusPlayerProbe::data(player).syncTimer; }
-};
-
 /// A signal that the player listens to, and the slot that answers it with log lines of its own.
 struct Wire {
     const char *slot;
-    void (*send)(Rig &);
+    void (*send)(PlayerRig &);
 };
 
 const Wire kWires[] = {
-    {"suppScreen(QByteArray)", [](Rig &rig) { Q_EMIT rig.protocol.notifyScreensInfo(bytes("1f")); }},
+    {"suppScreen(QByteArray)", [](PlayerRig &rig) { Q_EMIT rig.protocol.notifyScreensInfo(bytes("1f")); }},
     {"onClimateInfo(QByteArray, QByteArray)",
-     [](Rig &rig) { Q_EMIT rig.protocol.notifyClimateInfo(bytes("09"), bytes("01")); }},
+     [](PlayerRig &rig) { Q_EMIT rig.protocol.notifyClimateInfo(bytes("09"), bytes("01")); }},
     {"onGaugesInfo(QByteArray, QByteArray)",
-     [](Rig &rig) { Q_EMIT rig.protocol.notifyGaugesInfo(bytes("09"), bytes("01")); }},
+     [](PlayerRig &rig) { Q_EMIT rig.protocol.notifyGaugesInfo(bytes("09"), bytes("01")); }},
     {"onVehicleInfo(QByteArray, QByteArray)",
-     [](Rig &rig) { Q_EMIT rig.protocol.notifyVehicleInfo(bytes("09"), bytes("01")); }},
+     [](PlayerRig &rig) { Q_EMIT rig.protocol.notifyVehicleInfo(bytes("09"), bytes("01")); }},
     {"onParingAssistInfo(QByteArray, QByteArray)",
-     [](Rig &rig) { Q_EMIT rig.protocol.notifyParingAssistInfo(bytes("09"), bytes("01")); }},
-    {"onChangeDsp(QByteArray)", [](Rig &rig) { Q_EMIT rig.protocol.notifyScreensTransition(bytes("77")); }},
+     [](PlayerRig &rig) { Q_EMIT rig.protocol.notifyParingAssistInfo(bytes("09"), bytes("01")); }},
+    {"onChangeDsp(QByteArray)",
+     [](PlayerRig &rig) { Q_EMIT rig.protocol.notifyScreensTransition(bytes("77")); }},
     {"onTextScreen(QByteArray)",
-     [](Rig &rig) { Q_EMIT rig.protocol.notifyTextScreen(bytes("01 02 03 04 00 41 00")); }},
-    {"onReverseChanged(bool, int)", [](Rig &) { McuVechicleBridge::instance()->setReverse(true); }},
+     [](PlayerRig &rig) { Q_EMIT rig.protocol.notifyTextScreen(bytes("01 02 03 04 00 41 00")); }},
+    {"onReverseChanged(bool, int)", [](PlayerRig &) { McuVechicleBridge::instance()->setReverse(true); }},
     {"onCanbusSourceDsplChange()",
-     [](Rig &) { EventHandler::instance()->srcDsplCtrl()->setCurrentDspl(C::DSPL_Home); }},
+     [](PlayerRig &) { EventHandler::instance()->srcDsplCtrl()->setCurrentDspl(C::DSPL_Home); }},
 };
 
 /// The slots of the player that have written log lines.
@@ -167,7 +100,7 @@ void TestCanBusPlayerInit::init()
 
 void TestCanBusPlayerInit::opensThePortThatItWasGiven()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.player.setUartPort(rig.line.name(), 115200);
     rig.player.init(&rig.protocol);
     QVERIFY(rig.port());
@@ -179,7 +112,7 @@ void TestCanBusPlayerInit::opensThePortThatItWasGiven()
 
 void TestCanBusPlayerInit::movesThePortToAWorkerThread()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     QVERIFY(rig.thread());
     QVERIFY(rig.thread()->isRunning());
@@ -192,7 +125,7 @@ void TestCanBusPlayerInit::movesThePortToAWorkerThread()
 
 void TestCanBusPlayerInit::logsTheStart()
 {
-    Rig rig;
+    PlayerRig rig;
     LogRecorder log;
     rig.start();
     const QString init = QStringLiteral("init(canbus::CanbusProtocol*)");
@@ -205,7 +138,7 @@ void TestCanBusPlayerInit::logsTheStart()
 
 void TestCanBusPlayerInit::answersEachSignalOnce()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     for (const Wire &wire : kWires) {
         LogRecorder log;
@@ -220,7 +153,7 @@ void TestCanBusPlayerInit::answersEachSignalOnce()
 
 void TestCanBusPlayerInit::passesTheStatusOn()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     QSignalSpy status(&rig.player, &CanBusPlayer::canbusConnectStatus);
     Q_EMIT rig.protocol.notifyCanbusStatus(true);
@@ -233,7 +166,7 @@ void TestCanBusPlayerInit::passesTheStatusOn()
 
 void TestCanBusPlayerInit::passesClimateReportsToTheirGroup()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     QSignalSpy type(VelClimateGroupCmd::instance(), &VelClimateGroupCmd::updateClimateType);
     QSignalSpy title(VelClimateGroupCmd::instance(), &VelClimateGroupCmd::updateClimateTopText);
@@ -246,7 +179,7 @@ void TestCanBusPlayerInit::passesClimateReportsToTheirGroup()
 
 void TestCanBusPlayerInit::listensToTheTimer()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     rig.syncTimer().start(1);
     // While the link is down an expiry ends the synchronisation.
@@ -255,7 +188,7 @@ void TestCanBusPlayerInit::listensToTheTimer()
 
 void TestCanBusPlayerInit::handsReceivedBytesToTheProtocolOnItsOwnThread()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     QVERIFY(rig.line.send(bytes("31 9f 00")));
     QTRY_COMPARE(rig.protocol.received, QList<QByteArray> {bytes("31 9f 00")});
@@ -264,7 +197,7 @@ void TestCanBusPlayerInit::handsReceivedBytesToTheProtocolOnItsOwnThread()
 
 void TestCanBusPlayerInit::writesTheProtocolsBytes()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     Q_EMIT rig.protocol.onWritPortData(bytes("9f 02 21 9f 9f 00"));
     Q_EMIT rig.protocol.onWritPortData(bytes("9f 06"));
@@ -273,7 +206,7 @@ void TestCanBusPlayerInit::writesTheProtocolsBytes()
 
 void TestCanBusPlayerInit::writesOnTheWorkerThread()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     // A closed port says so, on the thread on which it was to write.
     QVERIFY(QMetaObject::invokeMethod(rig.port(), "disconnect", Qt::BlockingQueuedConnection));
@@ -288,7 +221,7 @@ void TestCanBusPlayerInit::writesOnTheWorkerThread()
 
 void TestCanBusPlayerInit::connectsNothingWhenThePortFails()
 {
-    Rig rig;
+    PlayerRig rig;
     LogRecorder log;
     rig.startWithoutDevice();
     QCOMPARE(slotsIn(log), QStringList());
@@ -311,7 +244,7 @@ void TestCanBusPlayerInit::connectsNothingWhenThePortFails()
 
 void TestCanBusPlayerInit::hasAWorkerThreadAlsoWhenThePortFails()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.startWithoutDevice();
     QVERIFY(rig.thread());
     QVERIFY(rig.thread()->isRunning());
@@ -321,7 +254,7 @@ void TestCanBusPlayerInit::hasAWorkerThreadAlsoWhenThePortFails()
 
 void TestCanBusPlayerInit::startsAfterAFailure()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.startWithoutDevice();
     QThread *const worker = rig.thread();
     LogRecorder log;
@@ -335,7 +268,7 @@ void TestCanBusPlayerInit::startsAfterAFailure()
 
 void TestCanBusPlayerInit::makesNoSecondThread()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     QThread *const worker = rig.thread();
     SerialPort *const port = rig.port();
@@ -348,7 +281,7 @@ void TestCanBusPlayerInit::makesNoSecondThread()
 
 void TestCanBusPlayerInit::opensThePortAgainOnItsOwnThread()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     QThread *openedOn = nullptr;
     connect(
@@ -367,7 +300,7 @@ void TestCanBusPlayerInit::opensThePortAgainOnItsOwnThread()
 
 void TestCanBusPlayerInit::doublesTheConnectionsWhenStartedTwice()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     rig.start();
     for (const Wire &wire : kWires) {
@@ -384,7 +317,7 @@ void TestCanBusPlayerInit::doublesTheConnectionsWhenStartedTwice()
 
 void TestCanBusPlayerInit::takesTheSecondProtocol()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.start();
     PlayedProtocol second;
     rig.player.init(&second);
@@ -396,7 +329,7 @@ void TestCanBusPlayerInit::takesTheSecondProtocol()
 
 void TestCanBusPlayerInit::startsAWorkerThreadThatHasEnded()
 {
-    Rig rig;
+    PlayerRig rig;
     rig.startWithoutDevice();
     rig.thread()->quit();
     QVERIFY(rig.thread()->wait(10000));

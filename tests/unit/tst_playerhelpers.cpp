@@ -152,6 +152,7 @@ void TestPlayerHelpers::readsBitsOutsideTheByteAsZero_data()
     QTest::newRow("31") << 31;
     QTest::newRow("32") << 32;
     QTest::newRow("-1") << -1;
+    QTest::newRow("-32") << -32;
     QTest::newRow("far off") << 100000;
 }
 

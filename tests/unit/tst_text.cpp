@@ -85,6 +85,8 @@ void TestText::readsATextUpToTheFirstZeroByte_data()
     QTest::newRow("to the zero byte") << bytes("41 42 00 43") << 0 << QStringLiteral("AB");
     QTest::newRow("to the end") << bytes("41 42") << 0 << QStringLiteral("AB");
     QTest::newRow("from the second byte") << bytes("00 42 43 00") << 1 << QStringLiteral("BC");
+    QTest::newRow("a zero byte before it does not count")
+        << bytes("00 41 42 43 00") << 2 << QStringLiteral("BC");
     QTest::newRow("the last byte alone") << bytes("41 42") << 1 << QStringLiteral("B");
     QTest::newRow("starting at the zero byte") << bytes("41 00 42") << 1 << QString();
     QTest::newRow("starting at the end") << bytes("41") << 1 << QString();

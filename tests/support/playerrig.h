@@ -1,0 +1,69 @@
+#pragma once
+
+#include "canbusprotocol.h"
+#include "serialport.h"
+#include "support/threadsatexit.h"
+
+#include <canbusplayerprobe.h>
+#include <pseudoterminal.h>
+
+#include <QtCore/QMetaMethod>
+#include <QtCore/QThread>
+
+/// A protocol that keeps what it is given.
+class PlayedProtocol : public canbus::CanbusProtocol {
+public:
+    void analyseData(QByteArray data) override
+    {
+        received += data;
+        receivedOn = QThread::currentThread();
+    }
+
+    /// How often each signal is connected, in the order of their declaration.
+    QList<int> connections() const
+    {
+        const QMetaObject &type = canbus::CanbusProtocol::staticMetaObject;
+        QList<int> counts;
+        for (int index = type.methodOffset(); index < type.methodCount(); ++index)
+            counts += receivers('2' + type.method(index).methodSignature());
+        return counts;
+    }
+
+    QList<QByteArray> received;
+    QThread *receivedOn = nullptr;
+};
+
+/// A player of its own with a line and a protocol, taken down in order.
+struct PlayerRig {
+    PseudoTerminal line;
+    PlayedProtocol protocol;
+    canbus::CanBusPlayer player;
+
+    ~PlayerRig()
+    {
+        QThread *const worker = thread();
+        if (!worker)
+            return;
+        port()->deleteLater();
+        worker->quit();
+        worker->wait();
+        canbus::threadsAtExit::remove(worker);
+        delete worker;
+    }
+
+    void start()
+    {
+        player.setUartPort(line.name(), 57600);
+        player.init(&protocol);
+    }
+
+    void startWithoutDevice()
+    {
+        player.setUartPort(QStringLiteral("/dev/canbus-missing"), 57600);
+        player.init(&protocol);
+    }
+
+    canbus::SerialPort *port() const { return canbus::CanBusPlayerProbe::data(player).serialPort; }
+    QThread *thread() const { return canbus::CanBusPlayerProbe::thread(player); }
+    QTimer &syncTimer() const { return canbus::CanBusPlayerProbe::data(player).syncTimer; }
+};
