@@ -5,6 +5,7 @@
 #include <mcuservice.h>
 #include <mcuvechiclebridge.h>
 #include <srcdsplctrl.h>
+#include <touchevent.h>
 
 #include <QtTest/QtTest>
 
@@ -17,6 +18,8 @@ private Q_SLOTS:
     void showsADisplay();
     void engagesAndReleasesTheReverseGear();
     void saysWhetherTheClockNeedsSynchronisation();
+    void tellsWhatTheLibraryAsksOfTheUserInterface();
+    void tellsWhatTheHostShows();
 };
 
 void tst_monitor_hostcontrols::showsADisplay()
@@ -49,6 +52,32 @@ void tst_monitor_hostcontrols::saysWhetherTheClockNeedsSynchronisation()
     QVERIFY(mcu::McuService::instance()->getNeedSyncTimeState());
     host.needsync(false);
     QVERIFY(!mcu::McuService::instance()->getNeedSyncTimeState());
+}
+
+void tst_monitor_hostcontrols::tellsWhatTheLibraryAsksOfTheUserInterface()
+{
+    HostControls host;
+    QSignalSpy events(&host, &HostControls::eventReceived);
+    QSignalSpy touches(&host, &HostControls::touch);
+    EventHandler::instance()->onEvent(4);
+    QCOMPARE(events, QList<QVariantList>({{4}}));
+    TouchEvent touch(Qx::Touch(83), -1, 5);
+    QCoreApplication::sendEvent(QCoreApplication::instance(), &touch);
+    QEvent other(QEvent::User);
+    QCoreApplication::sendEvent(QCoreApplication::instance(), &other);
+    QCOMPARE(touches, QList<QVariantList>({{83, -1, 5}}));
+}
+
+void tst_monitor_hostcontrols::tellsWhatTheHostShows()
+{
+    HostControls host;
+    QSignalSpy displays(&host, &HostControls::displayShown);
+    QSignalSpy gear(&host, &HostControls::reverseChanged);
+    host.display(74);
+    host.reverse(true);
+    host.reverse(false);
+    QCOMPARE(displays, QList<QVariantList>({{74}}));
+    QCOMPARE(gear, QList<QVariantList>({{true}, {false}}));
 }
 
 QTEST_GUILESS_MAIN(tst_monitor_hostcontrols)

@@ -12,6 +12,7 @@ class tst_monitor_options : public QObject {
 private Q_SLOTS:
     void hasDefaults();
     void takesEveryOption();
+    void showsAScreenBeforeTheCalls();
     void roundsADurationUp();
     void helpAndVersionNeedNothingElseToBeRight();
     void refusesAndSaysWhatWouldBeRight_data();
@@ -56,6 +57,13 @@ void tst_monitor_options::takesEveryOption()
     QVERIFY(options->isVerbose);
 }
 
+void tst_monitor_options::showsAScreenBeforeTheCalls()
+{
+    const auto options = parsed({"--call", "climate.acBtn", "--screen", "parking"});
+    QVERIFY2(options, qPrintable(options.error()));
+    QCOMPARE(options->calls, (QStringList {"host.display=76", "climate.acBtn"}));
+}
+
 void tst_monitor_options::roundsADurationUp()
 {
     const auto options = parsed({"--for", "0.0001"});
@@ -94,6 +102,9 @@ void tst_monitor_options::refusesAndSaysWhatWouldBeRight_data()
     QTest::newRow("negative rate") << QStringList {"--baud=-9600"} << R"(--baud "-9600")" + baud;
     QTest::newRow("rate too high for a number")
         << QStringList {"--baud", "9999999999"} << R"(--baud "9999999999")" + baud;
+    QTest::newRow("no such screen") << QStringList {
+        "--screen",
+        "radio"} << QStringLiteral("--screen \"radio\": write gauges, vehicle, climate, parking or other");
     QTest::newRow("no duration") << QStringList {"--for", "5s"} << R"(--for "5s")" + seconds;
     QTest::newRow("duration of zero") << QStringList {"--for", "0"} << R"(--for "0")" + seconds;
     QTest::newRow("negative duration") << QStringList {"--for=-1"} << R"(--for "-1")" + seconds;

@@ -15,6 +15,9 @@
 
 #include <canbusplayer.h>
 #include <velclimategroupcmd.h>
+#include <velgaugesgroupcmd.h>
+#include <velparkinggroupcmd.h>
+#include <velvehiclegroupcmd.h>
 
 #include <utility>
 
@@ -33,6 +36,9 @@ Targets allTargets(HostControls *host)
     return {
         {QStringLiteral("player"), CanBusPlayer::instance()},
         {QStringLiteral("climate"), VelClimateGroupCmd::instance()},
+        {QStringLiteral("gauges"), VelGaugesGroupCmd::instance()},
+        {QStringLiteral("vehicle"), VelVehicleGroupCmd::instance()},
+        {QStringLiteral("parking"), VelParkingGroupCmd::instance()},
         {QStringLiteral("host"), host},
     };
 }

@@ -2,6 +2,7 @@
 
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QMap>
 
 #include <cmath>
 #include <limits>
@@ -25,6 +26,10 @@ QList<QCommandLineOption> allOptions()
         option(QStringLiteral("json"), QStringLiteral("Print one JSON object a line.")),
         option(QStringLiteral("for"), QStringLiteral("End after this time (default: run until told to end)."),
                QStringLiteral("SECONDS")),
+        option(QStringLiteral("screen"),
+               QStringLiteral("Show this screen once the link is up: gauges, vehicle, climate, parking or "
+                              "other."),
+               QStringLiteral("NAME")),
         option(QStringLiteral("call"),
                QStringLiteral("Call a control once the link is up; may be given several times."),
                QStringLiteral("GROUP.CONTROL[=ARG,...]")),
@@ -68,6 +73,20 @@ Outcome<int> parseDuration(const QString &text)
     return int(ms);
 }
 
+/// The call that shows a screen.
+Outcome<QString> parseScreen(const QString &name)
+{
+    static const QMap<QString, int> displays {
+        {QStringLiteral("gauges"), 73},  {QStringLiteral("vehicle"), 74}, {QStringLiteral("climate"), 75},
+        {QStringLiteral("parking"), 76}, {QStringLiteral("other"), 0},
+    };
+    if (!displays.contains(name)) {
+        return Failure {QStringLiteral("--screen %1: write gauges, vehicle, climate, parking or other")
+                            .arg(quoted(name))};
+    }
+    return QStringLiteral("host.display=%1").arg(displays.value(name));
+}
+
 /// The options whose values need no checking.
 Options plainOptions(const QCommandLineParser &parser)
 {
@@ -107,6 +126,12 @@ Outcome<Options> checkedOptions(const QCommandLineParser &parser)
         if (!duration)
             return duration.failure();
         options.durationMs = *duration;
+    }
+    if (parser.isSet(QStringLiteral("screen"))) {
+        const Outcome<QString> screen = parseScreen(parser.value(QStringLiteral("screen")));
+        if (!screen)
+            return screen.failure();
+        options.calls.prepend(*screen);
     }
     return options;
 }

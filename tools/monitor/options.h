@@ -16,7 +16,7 @@ struct Options {
     int baud = 57600;
     Form form = Form::Text;
     std::optional<int> durationMs; ///< without it the monitor runs until it is told to end
-    QStringList calls;             ///< as they were written
+    QStringList calls;             ///< as they were written, the one that shows a screen first
     bool isVerbose = false;
     bool wantsHelp = false;
     bool wantsVersion = false;
