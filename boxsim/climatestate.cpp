@@ -1,46 +1,18 @@
 #include "climatestate.h"
 
-#include <initializer_list>
+#include "boxsim/payload.h"
 
 namespace boxsim {
 
 namespace {
 
-/// Puts four 2-bit states into a byte, the first into the highest bits.
-quint8 pairs(quint8 bits76, quint8 bits54, quint8 bits32, quint8 bits10)
+template <class State>
+auto itemsOf(State &s)
 {
-    quint32 byte = 0;
-    for (const quint8 state : {bits76, bits54, bits32, bits10})
-        byte = byte << 2 | (state & 0x03U);
-    return quint8(byte);
-}
-
-quint8 nibbles(quint8 high, quint8 low)
-{
-    return quint8((high & 0x0FU) << 4 | (low & 0x0FU));
-}
-
-quint8 flag(bool on, int bit)
-{
-    return quint8((on ? 1U : 0U) << bit);
-}
-
-void append(QByteArray &payload, quint8 byte)
-{
-    payload.append(char(byte));
-}
-
-void appendText(QByteArray &payload, const QString &text)
-{
-    payload += text.toUtf8();
-    append(payload, 0);
-}
-
-template <class T>
-void applyChange(T &state, const T &before, const T &after)
-{
-    if (before != after)
-        state = after;
+    return std::tie(s.type, s.title, s.labels, s.mainTemp, s.secondTemp, s.mainUnit, s.secondUnit,
+                    s.leftHeatedSeat, s.rightHeatedSeat, s.leftCooledSeat, s.rightCooledSeat,
+                    s.fanDirectValue, s.fanSpeedStatus, s.ventPosition, s.fanDirect, s.systemOn, s.driverSeat,
+                    s.manualTemp, s.buttons);
 }
 
 } // namespace
@@ -56,8 +28,7 @@ QByteArray climateTypePayload(const ClimateState &state)
 QByteArray climateLabelsPayload(const ClimateState &state)
 {
     QByteArray payload;
-    for (const QString &label : state.labels)
-        appendText(payload, label);
+    appendTexts(payload, state.labels);
     return payload;
 }
 
@@ -83,33 +54,18 @@ QByteArray climateDataPayload(const ClimateState &s)
         s.manualTemp,
     };
     QByteArray payload;
-    for (const quint8 byte : bytes)
-        append(payload, byte);
+    append(payload, bytes);
     return payload;
+}
+
+bool operator==(const ClimateState &a, const ClimateState &b)
+{
+    return itemsOf(a) == itemsOf(b);
 }
 
 void applyChanges(ClimateState &state, const ClimateState &before, const ClimateState &after)
 {
-    applyChange(state.type, before.type, after.type);
-    applyChange(state.title, before.title, after.title);
-    applyChange(state.labels, before.labels, after.labels);
-    applyChange(state.mainTemp, before.mainTemp, after.mainTemp);
-    applyChange(state.secondTemp, before.secondTemp, after.secondTemp);
-    applyChange(state.mainUnit, before.mainUnit, after.mainUnit);
-    applyChange(state.secondUnit, before.secondUnit, after.secondUnit);
-    applyChange(state.leftHeatedSeat, before.leftHeatedSeat, after.leftHeatedSeat);
-    applyChange(state.rightHeatedSeat, before.rightHeatedSeat, after.rightHeatedSeat);
-    applyChange(state.leftCooledSeat, before.leftCooledSeat, after.leftCooledSeat);
-    applyChange(state.rightCooledSeat, before.rightCooledSeat, after.rightCooledSeat);
-    applyChange(state.fanDirectValue, before.fanDirectValue, after.fanDirectValue);
-    applyChange(state.fanSpeedStatus, before.fanSpeedStatus, after.fanSpeedStatus);
-    applyChange(state.ventPosition, before.ventPosition, after.ventPosition);
-    applyChange(state.fanDirect, before.fanDirect, after.fanDirect);
-    applyChange(state.systemOn, before.systemOn, after.systemOn);
-    applyChange(state.driverSeat, before.driverSeat, after.driverSeat);
-    applyChange(state.manualTemp, before.manualTemp, after.manualTemp);
-    for (std::size_t i = 0; i < state.buttons.size(); ++i)
-        applyChange(state.buttons[i], before.buttons[i], after.buttons[i]);
+    applyItems(itemsOf(state), itemsOf(before), itemsOf(after));
 }
 
 } // namespace boxsim

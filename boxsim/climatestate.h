@@ -58,6 +58,8 @@ struct ClimateState {
     std::array<quint8, kButtonCount> buttons {}; ///< 0..3 each; here 0 is dark and 1 is lit
 };
 
+bool operator==(const ClimateState &a, const ClimateState &b);
+
 /// The sub-type (MOD) of each climate frame.
 enum ClimateSelector : quint8 {
     ClimateTypeSelector = 0,
