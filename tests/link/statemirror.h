@@ -1,0 +1,32 @@
+#pragma once
+
+#include "boxsim/climatestate.h"
+#include "boxsim/gaugesstate.h"
+#include "boxsim/parkingstate.h"
+#include "boxsim/screens.h"
+#include "boxsim/textscreen.h"
+#include "boxsim/vehiclestate.h"
+
+#include <QtCore/QObject>
+
+/// What a user interface would show: filled by the library's signals alone, from the moment of its making.
+class StateMirror : public QObject {
+public:
+    StateMirror();
+
+    boxsim::ClimateState climate;
+    boxsim::GaugesState gauges;
+    boxsim::VehicleState vehicle;
+    boxsim::ParkingState parking;
+    boxsim::TextScreen textScreen;
+    boxsim::Screens screens;
+
+private:
+    void followClimate();
+    void followClimateScreen();
+    void followGauges();
+    void followGaugesTexts();
+    void followVehicle();
+    void followParking();
+    void followPlayer();
+};
