@@ -1,7 +1,6 @@
 #include <hexbytes.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
 #include <QtTest/QtTest>
@@ -119,23 +118,6 @@ QByteArray firstCell(const QString &line)
     return bytes(cell.match(line).captured(1).toLatin1().constData());
 }
 
-/// The source tree that this program was built from, as its build folder remembers it: the compiler is told
-/// to keep absolute paths out of programs, so the program itself does not know.
-QString sourceFolder()
-{
-    QDir folder(QCoreApplication::applicationDirPath());
-    while (!folder.exists(QStringLiteral("CMakeCache.txt"))) {
-        if (!folder.cdUp())
-            return {};
-    }
-    QFile cache(folder.filePath(QStringLiteral("CMakeCache.txt")));
-    if (!cache.open(QIODevice::ReadOnly))
-        return {};
-    static const QRegularExpression home(QStringLiteral("^CMAKE_HOME_DIRECTORY:INTERNAL=(.*)$"),
-                                         QRegularExpression::MultilineOption);
-    return home.match(QString::fromUtf8(cache.readAll())).captured(1);
-}
-
 /// Sorts the lines of the document one by one.
 class DocumentReader {
 public:
@@ -188,7 +170,7 @@ void addFrameColumns()
 
 void ProtocolDocumentTest::initTestCase()
 {
-    QFile file(sourceFolder() + QStringLiteral("/docs/protocol.md"));
+    QFile file(QStringLiteral(CANBUS_SOURCE_DIR) + QStringLiteral("/docs/protocol.md"));
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable("cannot read " + file.fileName()));
     DocumentReader reader;
     const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
