@@ -38,6 +38,7 @@ private Q_SLOTS:
     void reportsALostLineOnce();
     void reportsALostLineOnceForEachOpen();
     void countsAFailedOpenAsAnOpen();
+    void reportsNoMoreHoweverOftenThePortRepeatsItself();
     void staysFormallyOpen();
     void leavesTheProcessorIdle();
     void writesFewLogLines();
@@ -89,6 +90,18 @@ void TestSerialPortLoss::countsAFailedOpenAsAnOpen()
     QTRY_COMPARE(it.error.size(), 2);
     processorShare();
     QCOMPARE(it.error.size(), 2);
+}
+
+void TestSerialPortLoss::reportsNoMoreHoweverOftenThePortRepeatsItself()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    line.hangUp();
+    QTRY_COMPARE(it.error.size(), 1);
+    for (int count = 0; count < 10; ++count)
+        it.port.handleError();
+    QCOMPARE(it.error.size(), 1);
 }
 
 void TestSerialPortLoss::staysFormallyOpen()
