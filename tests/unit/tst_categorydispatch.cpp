@@ -35,6 +35,7 @@ private Q_SLOTS:
     void parsesAFrameThatItIsGiven_data();
     void parsesAFrameThatItIsGiven();
     void replacesTheRecord();
+    void storesBeforeItEmits_data();
     void storesBeforeItEmits();
     void acknowledgesBehindTheSignal();
 
@@ -172,14 +173,37 @@ void CategoryDispatchTest::replacesTheRecord()
     QCOMPARE(CanBusDataMap::instance()->getId(0x03).toHex(), QByteArray("44"));
 }
 
+void CategoryDispatchTest::storesBeforeItEmits_data()
+{
+    QTest::addColumn<QByteArray>("received");
+    QTest::addColumn<int>("category");
+
+    QTest::newRow("screens info") << bytes("9f 02 55 02 05 52 9f 03") << 0x02;
+    QTest::newRow("climate") << bytes("9f 02 55 03 05 53 9f 03") << 0x03;
+    QTest::newRow("gauges") << bytes("9f 02 55 04 05 54 9f 03") << 0x04;
+    QTest::newRow("vehicle") << bytes("9f 02 55 05 05 55 9f 03") << 0x05;
+    QTest::newRow("parking assist") << bytes("9f 02 55 06 05 56 9f 03") << 0x06;
+    QTest::newRow("screens transition") << bytes("9f 02 55 07 05 57 9f 03") << 0x07;
+    QTest::newRow("text screen") << bytes("9f 02 55 11 05 41 9f 03") << 0x11;
+}
+
 void CategoryDispatchTest::storesBeforeItEmits()
 {
+    QFETCH(QByteArray, received);
+    QFETCH(int, category);
+
     HandDrivenProtocol protocol;
-    QStringList storedAtTheSignal;
-    connect(protocol.get(), &CanbusProtocol::notifyTextScreen, protocol.get(),
-            [&] { storedAtTheSignal = recordOf(0x11); });
-    protocol.passOver(bytes("9f 02 55 11 05 41 9f 03"));
-    QCOMPARE(storedAtTheSignal, (QStringList {"55", ""}));
+    QStringList ids;
+    const auto look = [&] { ids += CanBusDataMap::instance()->getId(quint8(category)).toHex(); };
+    connect(protocol.get(), &CanbusProtocol::notifyScreensInfo, this, look);
+    connect(protocol.get(), &CanbusProtocol::notifyClimateInfo, this, look);
+    connect(protocol.get(), &CanbusProtocol::notifyGaugesInfo, this, look);
+    connect(protocol.get(), &CanbusProtocol::notifyVehicleInfo, this, look);
+    connect(protocol.get(), &CanbusProtocol::notifyParingAssistInfo, this, look);
+    connect(protocol.get(), &CanbusProtocol::notifyScreensTransition, this, look);
+    connect(protocol.get(), &CanbusProtocol::notifyTextScreen, this, look);
+    protocol.passOver(received);
+    QCOMPARE(ids, QStringList {"55"});
 }
 
 void CategoryDispatchTest::acknowledgesBehindTheSignal()

@@ -40,6 +40,7 @@ private Q_SLOTS:
     void matchesTheIdThatWasGivenByTheLastHead();
     void matchesAnEscapeAsId();
     void removesOneOfTwoEqualFrames();
+    void givesUpOneOfTwoEqualFrames();
     void takesAnswersWithoutAFrameAsIdZero();
     void clearsWhatIsLeftWhenTheCacheIsEmpty();
 
@@ -217,6 +218,17 @@ void SendQueueTest::removesOneOfTwoEqualFrames()
     m_link.resend();
     m_link.resend();
     QCOMPARE(m_link.queue.cachedFrames(), 0);
+}
+
+void SendQueueTest::givesUpOneOfTwoEqualFrames()
+{
+    m_link.enqueue(kFirst);
+    m_link.enqueue(kFirst);
+    m_link.resend();
+    QCOMPARE(m_link.resend(), QStringList());
+    QVERIFY(!m_link.sendTimerEnds);
+    QCOMPARE(m_link.queue.cachedFrames(), 1);
+    QCOMPARE(m_link.resend(), QStringList {kWriteFirst});
 }
 
 void SendQueueTest::takesAnswersWithoutAFrameAsIdZero()
