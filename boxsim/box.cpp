@@ -2,6 +2,8 @@
 
 #include "boxsim/climatebuttons.h"
 #include "boxsim/drive.h"
+#include "boxsim/menu.h"
+#include "boxsim/otherbuttons.h"
 
 #include "frameformat.h"
 #include "wireconstants.h"
@@ -11,6 +13,8 @@
 namespace boxsim {
 
 namespace {
+
+using canbus::Category;
 
 /// The head unit sends a frame at 0, 300 and 600 ms and gives it up at 900 ms.
 constexpr qint64 kRepetitionWindowMs = 900;
@@ -49,7 +53,7 @@ Box::Box(const BoxOptions &options)
     , m_notReadyLeft(options.notReadyReplies)
 {
     if (m_options.drive)
-        m_climate = climateDriveAt(0);
+        m_car = driveAt(0);
 }
 
 Output Box::receive(const QByteArray &bytes, qint64 nowMs)
@@ -78,17 +82,19 @@ qint64 Box::dueMs() const
     return earlier(earlier(m_sender.dueMs(), drive), m_options.silentAfterMs);
 }
 
-void Box::setClimate(const ClimateState &climate)
+void Box::setCar(const CarState &car)
 {
-    const ClimateState before = std::exchange(m_climate, climate);
+    const CarState before = std::exchange(m_car, car);
     if (!m_linkUp)
         return;
-    if (climateTypePayload(before) != climateTypePayload(climate))
-        post(ClimateTypeSelector, climateTypePayload(climate));
-    if (climateLabelsPayload(before) != climateLabelsPayload(climate))
-        post(ClimateLabelsSelector, climateLabelsPayload(climate));
-    if (climateDataPayload(before) != climateDataPayload(climate))
-        post(ClimateDataSelector, climateDataPayload(climate));
+    const QVector<CategoryFrame> was = framesOf(before);
+    const QVector<CategoryFrame> is = framesOf(m_car);
+    for (int i = 0; i < is.size(); ++i) {
+        if (is.at(i).payload != was.at(i).payload)
+            m_sender.post(is.at(i).tp, is.at(i).mod, is.at(i).payload);
+    }
+    if (m_car.transition != before.transition && m_car.transition != kNoTransition)
+        m_sender.post(quint8(Category::ScreensTransition), 0, transitionPayload(quint8(m_car.transition)));
 }
 
 void Box::take(const WireFrame &frame)
@@ -146,12 +152,64 @@ void Box::carryOut(Action action, const QByteArray &data)
     case Action::ConnectionCheck:
         return setLinkUp(true);
     case Action::ClimateRequest:
-        return postClimate();
+        return post(int(Category::Climate));
+    case Action::GaugesRequest:
+        return post(int(Category::Gauges));
+    case Action::VehicleRequest:
+        return post(int(Category::Vehicle));
+    case Action::ParkingRequest:
+        return post(int(Category::ParkingAssist));
     case Action::ClimateButton:
-        pressClimateButton(m_climate, quint8(data.at(0)), data.at(1) != 0, quint8(data.at(2)));
-        // Also when nothing changed: the reply's new id sets the next press apart from a retransmission.
-        return post(ClimateDataSelector, climateDataPayload(m_climate));
+    case Action::GaugesButton:
+    case Action::VehicleButton:
+    case Action::ParkingButton:
+    case Action::MenuPress:
+        return press(action, data);
     }
+}
+
+void Box::press(Action action, const QByteArray &data)
+{
+    const quint8 button = quint8(data.at(0));
+    const quint8 second = quint8(data.at(1));
+    const quint8 third = quint8(data.size() > 2 ? data.at(2) : 0);
+    const bool down = second != 0;
+    CarState car = m_car;
+    switch (action) {
+    case Action::ClimateButton:
+        pressClimateButton(car.climate, button, down, third);
+        return answerButton(car, quint8(Category::Climate), ClimateDataSelector);
+    case Action::GaugesButton:
+        pressGauges(car.gauges, button, down);
+        return answerButton(car, quint8(Category::Gauges), GaugesDataSelector);
+    case Action::VehicleButton:
+        pressVehicleButton(car.vehicle, button, down);
+        return answerButton(car, quint8(Category::Vehicle), VehicleDataSelector);
+    case Action::ParkingButton:
+        pressParkingButton(car.parking, button, down);
+        return answerButton(car, quint8(Category::ParkingAssist), ParkingDataSelector);
+    case Action::MenuPress:
+        pressMenu(car.textScreen, button, second, third);
+        return answerButton(car, quint8(Category::TextScreen), 0);
+    default:
+        return;
+    }
+}
+
+void Box::answerButton(const CarState &car, quint8 category, quint8 selector)
+{
+    setCar(car);
+    // Also when nothing changed: the reply's new id sets the next press apart from a retransmission.
+    post(category, selector);
+}
+
+/// A turned gauge takes its values from where the drive is; without one, from its beginning.
+void Box::pressGauges(GaugesState &gauges, quint8 button, bool press)
+{
+    const GaugeFaces before = m_turned;
+    pressGaugesButton(gauges, m_turned, button, press);
+    if (m_turned != before)
+        applyChanges(gauges, driveAt(m_driveMs, before).gauges, driveAt(m_driveMs, m_turned).gauges);
 }
 
 void Box::answerConnectRequest()
@@ -161,7 +219,7 @@ void Box::answerConnectRequest()
     const bool ready = m_notReadyLeft == 0;
     if (!ready)
         --m_notReadyLeft;
-    m_sender.post(quint8(canbus::Category::Version), 0, versionPayload(ready));
+    m_sender.post(quint8(Category::Version), 0, versionPayload(ready));
 }
 
 void Box::setLinkUp(bool up)
@@ -171,30 +229,27 @@ void Box::setLinkUp(bool up)
     m_linkUp = up;
     report(up ? Event::Kind::LinkUp : Event::Kind::LinkDown);
     if (up)
-        postClimate();
+        post();
 }
 
-void Box::postClimate()
+void Box::post(int category, int selector)
 {
-    post(ClimateTypeSelector, climateTypePayload(m_climate));
-    post(ClimateLabelsSelector, climateLabelsPayload(m_climate));
-    post(ClimateDataSelector, climateDataPayload(m_climate));
-}
-
-void Box::post(quint8 selector, const QByteArray &payload)
-{
-    if (m_linkUp)
-        m_sender.post(quint8(canbus::Category::Climate), selector, payload);
+    if (!m_linkUp)
+        return;
+    for (const CategoryFrame &frame : framesOf(m_car)) {
+        if ((category == kAny || category == frame.tp) && (selector == kAny || selector == frame.mod))
+            m_sender.post(frame.tp, frame.mod, frame.payload);
+    }
 }
 
 void Box::followDrive()
 {
-    if (!m_options.drive)
+    if (!m_options.drive || m_nowMs / kDriveStepMs == m_driveMs / kDriveStepMs)
         return;
-    ClimateState climate = m_climate;
-    applyChanges(climate, climateDriveAt(m_driveMs), climateDriveAt(m_nowMs));
+    CarState car = m_car;
+    applyChanges(car, driveAt(m_driveMs, m_turned), driveAt(m_nowMs, m_turned));
     m_driveMs = m_nowMs;
-    setClimate(climate);
+    setCar(car);
 }
 
 void Box::fallSilentWhenDue()

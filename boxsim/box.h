@@ -1,7 +1,8 @@
 #pragma once
 
-#include "boxsim/climatestate.h"
+#include "boxsim/carstate.h"
 #include "boxsim/commands.h"
+#include "boxsim/gaugefaces.h"
 #include "boxsim/sender.h"
 #include "boxsim/wirereader.h"
 
@@ -52,8 +53,10 @@ struct BoxOptions {
 ///
 /// - A connect request is acknowledged and answered with a Version frame that says ready or not ready.
 ///   Whatever was still to be sent is dropped: the head unit begins anew.
-/// - A connection check brings the link up. The box then sends its whole state, and from there on changes.
-///   While the link is down it sends nothing but the answer to connect requests.
+/// - A connection check brings the link up. The box then sends its whole state, the supported screens first,
+///   and from there on changes. While the link is down it sends nothing but the answer to connect requests.
+/// - A request for the data of a category is answered with all its frames. A button is answered with what it
+///   changed, and with the category's state in any case.
 /// - Every data frame is acknowledged. A frame with the same bytes as the one right before it, within the
 ///   900 ms in which the head unit retransmits, is taken as a retransmission and not carried out again. A
 ///   button pressed twice is told from that by its id, which changes with the box's reply to the first
@@ -79,12 +82,16 @@ public:
 
     bool isLinkUp() const { return m_linkUp; }
 
-    const ClimateState &climate() const { return m_climate; }
+    const CarState &car() const { return m_car; }
 
-    /// Changes what the box reports of the climate system; the next advance() sends what changed.
-    void setClimate(const ClimateState &climate);
+    const ClimateState &climate() const { return m_car.climate; }
+
+    /// Changes what the box reports; the next advance() sends what changed.
+    void setCar(const CarState &car);
 
 private:
+    static constexpr int kAny = -1;
+
     void take(const WireFrame &frame);
     void takeCommand(const WireFrame &frame);
     void takeAck(const WireFrame &frame);
@@ -92,8 +99,10 @@ private:
     void carryOut(Action action, const QByteArray &data);
     void answerConnectRequest();
     void setLinkUp(bool up);
-    void postClimate();
-    void post(quint8 selector, const QByteArray &payload);
+    void press(Action action, const QByteArray &data);
+    void pressGauges(GaugesState &gauges, quint8 button, bool press);
+    void answerButton(const CarState &car, quint8 category, quint8 selector);
+    void post(int category = kAny, int selector = kAny);
     void followDrive();
     void fallSilentWhenDue();
     void send();
@@ -102,7 +111,8 @@ private:
     BoxOptions m_options;
     WireReader m_reader;
     Sender m_sender;
-    ClimateState m_climate;
+    CarState m_car;
+    GaugeFaces m_turned {}; ///< the gauges that the head unit turned to their other face
     qint64 m_nowMs = 0;
     bool m_silent = false;
     bool m_linkUp = false;

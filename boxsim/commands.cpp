@@ -1,14 +1,20 @@
 #include "commands.h"
 
+#include "boxsim/sender.h"
+
 #include "wireconstants.h"
 
 namespace boxsim {
 
 namespace {
 
+using canbus::Category;
 using canbus::ClimateButton;
 using canbus::Command;
 using canbus::DataPage;
+using canbus::GaugesButton;
+using canbus::ParkingButton;
+using canbus::VehicleButton;
 
 /// What the bytes of DATA behind a row's `head` are.
 struct Field {
@@ -38,13 +44,28 @@ Row climateRow(ClimateButton button, const char *name)
     return {Command::ClimateButton, head(quint8(button)), name, fields, Action::ClimateButton};
 }
 
-Row buttonRow(Command tp, quint8 button, const char *name)
+Row buttonRow(Command tp, quint8 button, const char *name, Action action)
 {
     static const Fields fields {{"press", true}};
-    return {tp, head(button), name, fields};
+    return {tp, head(button), name, fields, action};
 }
 
-Row requestRow(DataPage page, const char *name, Action action = Action::None)
+Row gaugesRow(GaugesButton button, const char *name)
+{
+    return buttonRow(Command::GaugesButton, quint8(button), name, Action::GaugesButton);
+}
+
+Row vehicleRow(VehicleButton button, const char *name)
+{
+    return buttonRow(Command::VehicleButton, quint8(button), name, Action::VehicleButton);
+}
+
+Row parkingRow(ParkingButton button, const char *name)
+{
+    return buttonRow(Command::ParkingButton, quint8(button), name, Action::ParkingButton);
+}
+
+Row requestRow(DataPage page, const char *name, Action action)
 {
     return {Command::RequestData, head(quint8(page)), name, {}, action};
 }
@@ -91,29 +112,29 @@ QVector<Row> climateRows()
 QVector<Row> otherButtonRows()
 {
     return {
-        buttonRow(Command::GaugesButton, 1, "gauges.Gauge1_CenterGauge"),
-        buttonRow(Command::GaugesButton, 2, "gauges.Gauge2_TopLeft"),
-        buttonRow(Command::GaugesButton, 3, "gauges.Gauge3_TopRight"),
-        buttonRow(Command::GaugesButton, 4, "gauges.Gauge4_BottomLeft"),
-        buttonRow(Command::GaugesButton, 5, "gauges.Gauge5_BottomRight"),
-        buttonRow(Command::GaugesButton, 6, "gauges.customControl1"),
-        buttonRow(Command::GaugesButton, 7, "gauges.customControl2"),
-        buttonRow(Command::VehicleButton, 1, "vehicle.checkEngine"),
-        buttonRow(Command::VehicleButton, 2, "vehicle.customControl1"),
-        buttonRow(Command::VehicleButton, 3, "vehicle.customControl2"),
-        buttonRow(Command::ParkingButton, 1, "parking.customControl1"),
-        buttonRow(Command::ParkingButton, 2, "parking.customControl2"),
+        gaugesRow(GaugesButton::Center, "gauges.Gauge1_CenterGauge"),
+        gaugesRow(GaugesButton::TopLeft, "gauges.Gauge2_TopLeft"),
+        gaugesRow(GaugesButton::TopRight, "gauges.Gauge3_TopRight"),
+        gaugesRow(GaugesButton::BottomLeft, "gauges.Gauge4_BottomLeft"),
+        gaugesRow(GaugesButton::BottomRight, "gauges.Gauge5_BottomRight"),
+        gaugesRow(GaugesButton::CustomControl1, "gauges.customControl1"),
+        gaugesRow(GaugesButton::CustomControl2, "gauges.customControl2"),
+        vehicleRow(VehicleButton::CheckEngine, "vehicle.checkEngine"),
+        vehicleRow(VehicleButton::CustomControl1, "vehicle.customControl1"),
+        vehicleRow(VehicleButton::CustomControl2, "vehicle.customControl2"),
+        parkingRow(ParkingButton::CustomControl1, "parking.customControl1"),
+        parkingRow(ParkingButton::CustomControl2, "parking.customControl2"),
     };
 }
 
 QVector<Row> pageRows()
 {
     return {
-        requestRow(DataPage::Normal, "player.requestNormal"),
+        requestRow(DataPage::Normal, "player.requestNormal", Action::None),
         requestRow(DataPage::Climate, "climate.requestClimateInfo", Action::ClimateRequest),
-        requestRow(DataPage::Gauges, "gauges.requestGaugesInfo"),
-        requestRow(DataPage::Vehicle, "vehicle.requestVehicleInfo"),
-        requestRow(DataPage::ParkingAssist, "parking.requestParkInfo"),
+        requestRow(DataPage::Gauges, "gauges.requestGaugesInfo", Action::GaugesRequest),
+        requestRow(DataPage::Vehicle, "vehicle.requestVehicleInfo", Action::VehicleRequest),
+        requestRow(DataPage::ParkingAssist, "parking.requestParkInfo", Action::ParkingRequest),
         {Command::Settings, {}, "settings", {{"value", false}}},
     };
 }
@@ -126,7 +147,7 @@ QVector<Row> linkAndPlayerRows()
     return {
         connectionRow(canbus::kConnectRequest, "connection.request", Action::ConnectRequest),
         connectionRow(canbus::kConnectionCheck, "connection.check", Action::ConnectionCheck),
-        {Command::MenuPress, {}, "player.onMenuPress", menu},
+        {Command::MenuPress, {}, "player.onMenuPress", menu, Action::MenuPress},
         {Command::Time, {}, "player.syncGPSTimeToCanbus", time},
     };
 }
@@ -155,12 +176,35 @@ bool matches(const Row &row, const WireFrame &frame)
     return true;
 }
 
-DecodedCommand named(const Row &row, const QByteArray &data)
+/// The object whose settings are meant, with its dot: the category that owns the id says which.
+QString ownerOfSettings(int id)
 {
-    DecodedCommand command {QString::fromLatin1(row.name), {}, row.action};
+    switch (Category(categoryOfId(id))) {
+    case Category::Climate:
+        return QStringLiteral("climate.");
+    case Category::Gauges:
+        return QStringLiteral("gauges.");
+    case Category::Vehicle:
+        return QStringLiteral("vehicle.");
+    case Category::ParkingAssist:
+        return QStringLiteral("parking.");
+    default:
+        return {};
+    }
+}
+
+QString nameOf(const Row &row, int id)
+{
+    const QString name = QString::fromLatin1(row.name);
+    return row.tp == Command::Settings ? ownerOfSettings(id) + name : name;
+}
+
+DecodedCommand named(const Row &row, const WireFrame &frame)
+{
+    DecodedCommand command {nameOf(row, frame.id), {}, row.action};
     for (int i = 0; i < row.fields.size(); ++i) {
         const Field &field = row.fields.at(i);
-        const quint8 byte = quint8(data.at(row.head.size() + i));
+        const quint8 byte = quint8(frame.data.at(row.head.size() + i));
         const QVariant value = field.isFlag ? QVariant(byte != 0) : QVariant(int(byte));
         command.arguments.append({QString::fromLatin1(field.name), value});
     }
@@ -187,7 +231,7 @@ DecodedCommand decodeCommand(const WireFrame &frame)
 {
     for (const Row &row : rows()) {
         if (matches(row, frame))
-            return named(row, frame.data);
+            return named(row, frame);
     }
     return unknown(frame);
 }

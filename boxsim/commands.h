@@ -20,7 +20,14 @@ enum class Action {
     ConnectRequest,
     ConnectionCheck,
     ClimateRequest,
+    GaugesRequest,
+    VehicleRequest,
+    ParkingRequest,
     ClimateButton,
+    GaugesButton,
+    VehicleButton,
+    ParkingButton,
+    MenuPress,
 };
 
 /// A data frame of the head unit, told by name.
@@ -34,7 +41,8 @@ struct DecodedCommand {
 
 /// Names the command that a data frame carries.
 ///
-/// "settings" stands without an object: the four groups send the same bytes, apart from the id.
+/// The four groups send the same bytes for their settings, apart from the id: its owner gives the name, as in
+/// "climate.settings". "settings" stands without an object when the id belongs to no frame of a group.
 /// @param frame  a frame of Kind::Data
 DecodedCommand decodeCommand(const WireFrame &frame);
 

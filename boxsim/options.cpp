@@ -85,8 +85,9 @@ QString firstLine(const QString &text)
 void describe(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(QStringLiteral(
-        "The CAN-bus interface box, simulated. It answers a head unit, plays a drive of a minute in a\n"
-        "loop, and prints every frame that it receives. Give --pty or --port."));
+        "The CAN-bus interface box, simulated. It answers a head unit, plays a drive of a minute with\n"
+        "everything a car reports in a loop, and prints every frame that it receives. Give --pty or "
+        "--port."));
 }
 
 } // namespace

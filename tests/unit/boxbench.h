@@ -62,7 +62,10 @@ public:
     {
     }
 
-    void receive(qint64 nowMs, const char *hex) { collect(box.receive(bytes(hex), nowMs)); }
+    void receive(qint64 nowMs, const QByteArray &hex)
+    {
+        collect(box.receive(QByteArray::fromHex(hex), nowMs));
+    }
     void advance(qint64 nowMs) { collect(box.advance(nowMs)); }
 
     /// Passes the time in steps of a millisecond.
@@ -77,17 +80,31 @@ public:
 
     QStringList events() { return std::exchange(m_events, {}); }
 
-    /// Handshake at 0 ms and whole state acknowledged: at 200 ms the line is quiet.
+    /// Passes the time in steps of a millisecond, and acknowledges what was written and not taken yet.
+    void runAcknowledging(qint64 fromMs, qint64 toMs)
+    {
+        int seen = 0;
+        for (qint64 now = fromMs; now <= toMs; ++now) {
+            const QStringList written = m_writes.mid(seen);
+            seen = m_writes.size();
+            advance(now);
+            for (const QString &block : written) {
+                const QByteArray id = block.mid(6, 2).toLatin1();
+                if (block.startsWith(QLatin1String("9f 02 ")))
+                    receive(now, "9f 06 " + id + ' ' + id + " 9f 03");
+            }
+        }
+    }
+
+    /// Handshake at 0 ms and whole state acknowledged: at 600 ms the line is quiet.
     void connectAndSettle()
     {
         receive(0, kConnectRequest);
-        receive(100, "9f 06 40 40 9f 03  9f 02 40 01 00 00 01 40 9f 03");
-        receive(110, "9f 06 50 50 9f 03");
-        advance(130);
-        receive(140, "9f 06 51 51 9f 03");
-        advance(160);
-        receive(170, "9f 06 52 52 9f 03");
-        advance(200);
+        receive(100, "9f 06 40 40 9f 03");
+        m_writes.clear();
+        // The first frame of the state goes out with the answer to the check.
+        receive(101, "9f 02 40 01 00 00 01 40 9f 03");
+        runAcknowledging(102, 600);
         m_writes.clear();
         m_events.clear();
     }

@@ -95,15 +95,29 @@ void TestBoxsimBox::bringsTheLinkUpWithTheConnectionCheckAndSendsItsState()
     bench.receive(100, "9f 06 40 40 9f 03  9f 02 40 01 00 00 01 40 9f 03");
     QVERIFY(bench.box.isLinkUp());
     QCOMPARE(bench.events(), QStringList({"ack 40", "connection.check", "link up"}));
-    QCOMPARE(bench.writes(), QStringList({wire("9f 06 40 40 9f 03"), wire("9f 02 50 03 00 00 00 53 9f 03")}));
+    bench.runAcknowledging(101, 5000);
 
-    bench.receive(120, "9f 06 50 50 9f 03");
-    QCOMPARE(bench.writes(), QStringList {wire("9f 02 51 03 01 53 9f 03")});
-    bench.receive(140, "9f 06 51 51 9f 03");
-    QCOMPARE(bench.writes(), QStringList {zeroState("52", "53")});
-    bench.receive(160, "9f 06 52 52 9f 03");
-    bench.run(161, 5000);
-    QCOMPARE(bench.writes(), QStringList());
+    const QStringList expected {
+        wire("9f 06 40 40 9f 03"),
+        wire("9f 02 48 02 00 1f 55 9f 03"),
+        wire("9f 02 50 03 00 00 00 53 9f 03"),
+        wire("9f 02 51 03 01 53 9f 03"),
+        zeroState("52", "53"),
+        wire("9f 02 58 04 00 00 00 5c 9f 03"),
+        wire("9f 02 59 04 01 5c 9f 03"),
+        wire("9f 02 5a 04 02 0000 5c 9f 03"),
+        wire("9f 02 5b 04 03 5c 9f 03"),
+        wire("9f 02 5c 04 04 5c 9f 03"),
+        wire("9f 02 5d 04 05 000000000000 000000000000 00 5c 9f 03"),
+        wire("9f 02 60 05 00 00 65 9f 03"),
+        wire("9f 02 61 05 01 65 9f 03"),
+        wire("9f 02 62 05 02 000000 65 9f 03"),
+        wire("9f 02 68 06 00 00 6e 9f 03"),
+        wire("9f 02 69 06 01 6e 9f 03"),
+        wire("9f 02 6a 06 02 00000000 00000000 00000000 00000000 00 6e 9f 03"),
+        wire("9f 02 78 11 00 00000000 00 69 9f 03"),
+    };
+    QCOMPARE(bench.writes(), expected);
 }
 
 void TestBoxsimBox::acknowledgesEachConnectionCheck()
@@ -122,12 +136,12 @@ void TestBoxsimBox::beginsAnewWithAConnectRequest()
 {
     Bench bench;
     bench.connectAndSettle();
-    bench.receive(300, "9f 02 52 97 00 01 c4 9f 03");
+    bench.receive(700, "9f 02 52 97 00 01 c4 9f 03");
     bench.writes();
     bench.events();
 
-    bench.receive(400, kConnectRequest);
-    bench.run(401, 650);
+    bench.receive(800, kConnectRequest);
+    bench.run(801, 1050);
 
     QVERIFY(!bench.box.isLinkUp());
     QCOMPARE(bench.events(), QStringList({"connection.request", "link down"}));
@@ -139,11 +153,11 @@ void TestBoxsimBox::sendsOneFrameAtATime()
     Bench bench;
     bench.connectAndSettle();
 
-    bench.receive(300, "9f 02 52 97 00 01 c4 9f 03");
-    bench.run(301, 599);
+    bench.receive(700, "9f 02 52 97 00 01 c4 9f 03");
+    bench.run(701, 999);
     QCOMPARE(bench.writes(), QStringList({wire("9f 06 52 52 9f 03"), wire("9f 02 53 03 00 00 00 50 9f 03")}));
 
-    bench.receive(599, "9f 06 53 53 9f 03");
+    bench.receive(999, "9f 06 53 53 9f 03");
     QCOMPARE(bench.writes(), QStringList {wire("9f 02 54 03 01 56 9f 03")});
 }
 
@@ -151,14 +165,14 @@ void TestBoxsimBox::leavesTheHeadUnitTimeBetweenFrames()
 {
     Bench bench;
     bench.connectAndSettle();
-    bench.receive(300, "9f 02 52 97 00 01 c4 9f 03");
+    bench.receive(700, "9f 02 52 97 00 01 c4 9f 03");
     bench.writes();
 
-    bench.receive(301, "9f 06 53 53 9f 03");
-    bench.run(302, 319);
+    bench.receive(701, "9f 06 53 53 9f 03");
+    bench.run(702, 719);
     QCOMPARE(bench.writes(), QStringList());
-    QCOMPARE(bench.box.dueMs(), qint64(320));
-    bench.advance(320);
+    QCOMPARE(bench.box.dueMs(), qint64(720));
+    bench.advance(720);
     QCOMPARE(bench.writes(), QStringList {wire("9f 02 54 03 01 56 9f 03")});
 }
 
@@ -211,7 +225,7 @@ void TestBoxsimBox::comesBackWithAConnectionCheckAfterGivingUp()
     bench.receive(15100, "9f 02 40 01 00 00 01 40 9f 03");
 
     QCOMPARE(bench.events(), QStringList({"connection.check", "link up"}));
-    QCOMPARE(bench.writes(), QStringList({wire("9f 06 40 40 9f 03"), wire("9f 02 54 03 00 00 00 57 9f 03")}));
+    QCOMPARE(bench.writes(), QStringList({wire("9f 06 40 40 9f 03"), wire("9f 02 49 02 00 1f 54 9f 03")}));
 }
 
 void TestBoxsimBox::stopsResendingWhenAcknowledged()

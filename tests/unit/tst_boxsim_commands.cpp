@@ -101,6 +101,11 @@ void TestBoxsimCommands::namesTheOtherCommands_data()
     row("vehicle.requestVehicleInfo", "9f 02 21 97 00 03 b5 9f 03");
     row("parking.requestParkInfo", "9f 02 21 97 00 04 b2 9f 03");
     row("settings value=0", "9f 02 21 92 00 00 b3 9f 03");
+    row("climate.settings value=0", "9f 02 50 92 00 00 c2 9f 03");
+    row("climate.settings value=7", "9f 02 57 92 00 07 c2 9f 03");
+    row("gauges.settings value=0", "9f 02 5f 92 00 00 cd 9f 03");
+    row("vehicle.settings value=0", "9f 02 60 92 00 00 f2 9f 03");
+    row("parking.settings value=0", "9f 02 6b 92 00 00 f9 9f 03");
     row("player.onMenuPress menu=1 item=159 action=3", "9f 02 21 91 00 01 9f9f 03 2d 9f 03");
     row("player.syncGPSTimeToCanbus minute=34 hour=12 day=5 month=6 yearFirst2=20 yearLast2=26 format=1",
         "9f 02 23 98 00 22 0c 05 06 14 1a 01 99 9f 03");
@@ -152,7 +157,20 @@ void TestBoxsimCommands::tellsWhatTheBoxHasToDo_data()
         << bytes("9f 02 21 97 00 01 b7 9f 03") << int(Action::ClimateRequest);
     QTest::newRow("a climate button")
         << bytes("9f 02 21 93 00 12 01 00 a1 9f 03") << int(Action::ClimateButton);
-    QTest::newRow("a button of another group") << bytes("9f 02 23 94 00 03 01 b5 9f 03") << int(Action::None);
+    QTest::newRow("a request for the gauges page")
+        << bytes("9f 02 21 97 00 02 b4 9f 03") << int(Action::GaugesRequest);
+    QTest::newRow("a request for the vehicle page")
+        << bytes("9f 02 21 97 00 03 b5 9f 03") << int(Action::VehicleRequest);
+    QTest::newRow("a request for the parking page")
+        << bytes("9f 02 21 97 00 04 b2 9f 03") << int(Action::ParkingRequest);
+    QTest::newRow("a request for no page") << bytes("9f 02 22 97 00 00 b5 9f 03") << int(Action::None);
+    QTest::newRow("a gauges button") << bytes("9f 02 23 94 00 03 01 b5 9f 03") << int(Action::GaugesButton);
+    QTest::newRow("a vehicle button") << bytes("9f 02 23 95 00 01 01 b6 9f 03") << int(Action::VehicleButton);
+    QTest::newRow("a parking button") << bytes("9f 02 23 96 00 01 01 b5 9f 03") << int(Action::ParkingButton);
+    QTest::newRow("a press on the menu")
+        << bytes("9f 02 21 91 00 01 9f9f 03 2d 9f 03") << int(Action::MenuPress);
+    QTest::newRow("settings") << bytes("9f 02 50 92 00 00 c2 9f 03") << int(Action::None);
+    QTest::newRow("the clock") << bytes("9f 02 23 98 00 22 0c 05 06 14 1a 01 99 9f 03") << int(Action::None);
     QTest::newRow("an unknown climate button")
         << bytes("9f 02 21 93 00 1d 01 00 ae 9f 03") << int(Action::None);
 }
