@@ -83,6 +83,7 @@ private Q_SLOTS:
     void announcesAgainOnlyMoreThanOneText_data();
     void announcesAgainOnlyMoreThanOneText();
     void announcesNothingAgainBeforeTheFirstScreen();
+    void announcesNothingAgainWithoutAWholeMenu();
     void announcesAgainTheLastScreen();
 
 private:
@@ -343,6 +344,19 @@ void TestTextScreen::announcesNothingAgainBeforeTheFirstScreen()
     TextScreen screen;
     screen.player.getTextScreenInfo();
     QCOMPARE(screen.announced.count(), 0);
+}
+
+void TestTextScreen::announcesNothingAgainWithoutAWholeMenu()
+{
+    TextScreen screen;
+    CanBusPlayerProbe::data(screen.player).menuTexts = QStringList {"A", "B"};
+    CanBusPlayerProbe::data(screen.player).menuList = QList<int> {1, 2, 3};
+    screen.player.getTextScreenInfo();
+    QCOMPARE(screen.announced.count(), 0);
+
+    CanBusPlayerProbe::data(screen.player).menuList = QList<int> {1, 2, 3, 4};
+    screen.player.getTextScreenInfo();
+    QCOMPARE(screen.announcements(), QStringList {"1,2,3,4 - - A|B"});
 }
 
 void TestTextScreen::announcesAgainTheLastScreen()
