@@ -1,7 +1,7 @@
 #include "player/pindriver.h"
 
-#include "player/canbusplayer.h"
 #include "canbusprotocol.h"
+#include "player/canbusplayer.h"
 
 #include <logrecorder.h>
 
