@@ -26,6 +26,14 @@ constexpr IdBlock kIdBlocks[] = {
     {Category::ScreensTransition, 0x70}, {Category::TextScreen, 0x78},
 };
 
+/// The head unit takes a 9F with a 03 behind it for the end of a frame, also inside one, so that it can read
+/// no frame whose fields have them side by side.
+bool hasEndInside(const QByteArray &frame)
+{
+    constexpr int kMarkBytes = 2;
+    return frame.chopped(kMarkBytes).contains("\x9f\x03");
+}
+
 /// For frames of a category that the head unit does not know.
 constexpr quint8 kOtherIds = 0x38;
 
@@ -90,9 +98,12 @@ Sender::Step Sender::sendNext(qint64 nowMs)
 {
     const Waiting next = m_waiting.takeFirst();
     int &turn = m_turns[next.tp];
-    m_currentId = quint8(firstIdOf(next.tp) + turn);
-    turn = (turn + 1) % kIdsPerCategory;
-    m_current = canbus::frame::build(m_currentId, next.tp, next.mod, next.data);
+    // An id that puts a check byte of 03 behind a 9F is passed over. With one in the data no id helps.
+    for (int i = 0; i == 0 || (i < kIdsPerCategory && hasEndInside(m_current)); ++i) {
+        m_currentId = quint8(firstIdOf(next.tp) + turn);
+        turn = (turn + 1) % kIdsPerCategory;
+        m_current = canbus::frame::build(m_currentId, next.tp, next.mod, next.data);
+    }
     m_transmissions = 1;
     m_lastWriteMs = nowMs;
     return {Step::Kind::Sent, m_currentId, m_current};

@@ -22,7 +22,8 @@ constexpr qint64 kNever = -1;
 /// 600 ms and given up at 900 ms. Each category has eight ids of its own, used in turn: a late answer to one
 /// frame then does not pass for an answer to the next, and a command of the head unit, which carries the id
 /// of the category's last frame, shows whether it was sent before or after the box's reply. No id is 9F: the
-/// answer to it would read like escaped bytes.
+/// answer to it would read like escaped bytes. An id that makes the check byte 03 behind a 9F is passed over:
+/// the head unit could not read that frame.
 class Sender {
 public:
     /// What poll() found to do.

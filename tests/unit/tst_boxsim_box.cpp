@@ -30,6 +30,8 @@ private Q_SLOTS:
     void doublesTheIdInTheAcknowledgementOf9F();
     void doesNotAnswerABadFrame();
     void usesEightIdsInTurn();
+    void passesOverAnIdThatTheHeadUnitCouldNotRead();
+    void sendsDataThatTheHeadUnitCannotReadAllTheSame();
     void fallsSilent();
     void readsTheHandshakeHoweverItIsCut();
     void tellsWhoseIdACommandCarries();
@@ -317,6 +319,37 @@ void TestBoxsimBox::usesEightIdsInTurn()
     }
 
     QCOMPARE(ids, QStringList({"40", "41", "42", "43", "44", "45", "46", "47", "40"}));
+}
+
+void TestBoxsimBox::passesOverAnIdThatTheHeadUnitCouldNotRead()
+{
+    Bench bench;
+    bench.connectAndSettle();
+    boxsim::CarState car = bench.box.car();
+
+    // With the id 53 the check byte would be 03, right behind the 9F.
+    car.climate.fanDirectValue = 0xCE;
+    car.climate.manualTemp = 0x9F;
+    bench.box.setCar(car);
+    bench.runAcknowledging(1000, 2000);
+
+    QCOMPARE(bench.writes(),
+             QStringList {wire("9f 02 54 03 02 00000000 0000 0000 ce 00 00 00 00 00 9f9f 04 9f 03")});
+}
+
+void TestBoxsimBox::sendsDataThatTheHeadUnitCannotReadAllTheSame()
+{
+    Bench bench;
+    bench.connectAndSettle();
+    boxsim::CarState car = bench.box.car();
+
+    car.climate.mainTemp = 0x9F03;
+    bench.box.setCar(car);
+    bench.runAcknowledging(1000, 2000);
+
+    const QStringList writes = bench.writes();
+    QCOMPARE(writes.size(), 1);
+    QVERIFY2(writes.at(0).contains(" 03 02 9f 9f 03 00 "), qPrintable(writes.at(0)));
 }
 
 void TestBoxsimBox::fallsSilent()

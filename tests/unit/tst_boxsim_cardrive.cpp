@@ -115,6 +115,7 @@ private Q_SLOTS:
     void showsASoftTireInStateAndText();
     void showsTheOtherFaceOfATurnedGauge();
     void carriesTheClimateDrive();
+    void hasNoDataThatTheHeadUnitCannotRead();
 };
 
 void TestBoxsimCarDrive::changesEachItemInARound_data()
@@ -300,6 +301,18 @@ void TestBoxsimCarDrive::carriesTheClimateDrive()
 {
     for (int now = 0; now < kRoundMs; now += kStepMs)
         QVERIFY(driveAt(now).climate == boxsim::climateDriveAt(now));
+}
+
+void TestBoxsimCarDrive::hasNoDataThatTheHeadUnitCannotRead()
+{
+    const boxsim::GaugeFaces notTurned {};
+    const boxsim::GaugeFaces turned {1, 1, 1, 1, 1};
+    for (int now = 0; now < kRoundMs; now += kStepMs) {
+        for (const auto &faces : {notTurned, turned}) {
+            for (const CategoryFrame &frame : boxsim::framesOf(driveAt(now, faces)))
+                QVERIFY2(!frame.payload.contains("\x9f\x03"), frame.payload.toHex(' ').constData());
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimCarDrive)
