@@ -1,4 +1,4 @@
-#include "metamethods.h"
+#include "declaredmethods.h"
 #include "player/canbusplayer.h"
 #include "velgaugesgroupcmd.h"
 #include "velparkinggroupcmd.h"
