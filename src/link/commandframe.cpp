@@ -14,7 +14,7 @@ QByteArray buildCommand(const log::Origin &origin, quint8 id, Command command,
     writer.escaped(escaped);
     CANBUS_DEBUG_AT(origin) << log::hex(writer.checkByte());
 
-    const QByteArray frame = writer.finish();
+    QByteArray frame = writer.finish();
     CANBUS_DEBUG_AT(origin) << frame;
     return frame;
 }

@@ -85,7 +85,7 @@ QByteArray takePayload(QByteArray &rest, quint8 checkByte)
     const int tail = rest.size() - 3;
     const bool closed = tail >= 0 && byteAt(rest, tail) == checkByte && byteAt(rest, tail + 1) == frame::kDle
         && byteAt(rest, tail + 2) == frame::kEtx;
-    const QByteArray payload = closed ? rest.left(tail) : rest;
+    QByteArray payload = closed ? rest.left(tail) : rest;
     rest = closed ? rest.mid(tail) : QByteArray();
     return payload;
 }

@@ -450,8 +450,8 @@ void CanBusPlayer::syncGPSTimeToCanbus(int minute, int hour, int day, int month,
     if (year != kUnknownTime) {
         // By the digits, so that years of less than four give numbers that overlap.
         const QString digits = QString::number(year);
-        century = digits.left(2).toInt();
-        yearOfCentury = digits.right(2).toInt();
+        century = digits.leftRef(2).toInt();
+        yearOfCentury = digits.rightRef(2).toInt();
     }
     const char time[] = {char(minute),  char(hour),          char(day),   char(month),
                          char(century), char(yearOfCentury), char(format)};
