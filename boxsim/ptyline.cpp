@@ -2,6 +2,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
 
 #include <cerrno>
 #include <cstdio>
@@ -9,6 +10,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -18,6 +20,7 @@ namespace boxsim {
 namespace {
 
 const char kPtyFolder[] = "/dev/pts/";
+constexpr int kShareIntervalMs = 200;
 
 QString systemError(const QString &what)
 {
@@ -101,6 +104,8 @@ public:
         m_link = link;
         m_notifier = std::make_unique<QSocketNotifier>(m_master.get(), QSocketNotifier::Read);
         connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { readAll(); });
+        connect(&m_shareTimer, &QTimer::timeout, this, [this] { share(); });
+        m_shareTimer.start(kShareIntervalMs);
         return true;
     }
 
@@ -140,6 +145,10 @@ private:
         return ::tcsetattr(m_slave.get(), TCSANOW, &settings) == 0;
     }
 
+    /// A head unit opens its line for itself alone, which would outlast it while the box holds the line open:
+    /// the next one, unless it is root, would find it busy.
+    void share() { ::ioctl(m_slave.get(), TIOCNXCL); }
+
     void readAll()
     {
         char buffer[4096];
@@ -167,6 +176,7 @@ private:
     QByteArray m_slaveName;
     QByteArray m_link;
     std::unique_ptr<QSocketNotifier> m_notifier;
+    QTimer m_shareTimer;
 };
 
 } // namespace
