@@ -7,12 +7,12 @@
 
 namespace canbus {
 
-void sendCommand(const log::Origin &origin, Category category, Command command,
+void sendCommand(const logging::Origin &origin, Category category, Command command,
                  std::initializer_list<quint8> plain, const QByteArray &escaped, IdInLog idInLog)
 {
     const QByteArray id = CanBusDataMap::instance()->getId(quint8(category));
     if (idInLog == IdInLog::AsItIs)
-        CANBUS_DEBUG_AT(origin) << log::asIs(id);
+        CANBUS_DEBUG_AT(origin) << logging::asIs(id);
     else
         CANBUS_DEBUG_AT(origin) << id;
     Q_EMIT CanBusPlayer::instance()->sendCmdData(

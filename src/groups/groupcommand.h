@@ -22,7 +22,7 @@ enum class IdInLog {
 /// @param origin  the control on whose behalf the log lines are written
 /// @param plain  data bytes that are never escaped, because their range has no 9F
 /// @param escaped  the data bytes behind them, of any value
-void sendCommand(const log::Origin &origin, Category category, Command command,
+void sendCommand(const logging::Origin &origin, Category category, Command command,
                  std::initializer_list<quint8> plain, const QByteArray &escaped = {},
                  IdInLog idInLog = IdInLog::Hexadecimal);
 

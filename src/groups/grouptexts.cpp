@@ -5,7 +5,7 @@
 
 namespace canbus {
 
-bool takeTexts(const log::Origin &origin, QStringList &stored, const QByteArray &data,
+bool takeTexts(const logging::Origin &origin, QStringList &stored, const QByteArray &data,
                ArrivalInLog arrivalInLog)
 {
     if (data.isEmpty()) {

@@ -17,7 +17,7 @@ enum class ArrivalInLog {
 /// otherwise splits it and stores and logs the list by the rule that announces an empty one each time.
 /// @param origin  the decoder on whose behalf the log lines are written
 /// @return whether `stored` is to be announced
-bool takeTexts(const log::Origin &origin, QStringList &stored, const QByteArray &data,
+bool takeTexts(const logging::Origin &origin, QStringList &stored, const QByteArray &data,
                ArrivalInLog arrivalInLog = ArrivalInLog::No);
 
 /// Splits a payload into its zero-terminated texts.

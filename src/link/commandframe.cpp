@@ -4,7 +4,7 @@
 
 namespace canbus {
 
-QByteArray buildCommand(const log::Origin &origin, quint8 id, Command command,
+QByteArray buildCommand(const logging::Origin &origin, quint8 id, Command command,
                         std::initializer_list<quint8> plain, const QByteArray &escaped)
 {
     frame::FrameWriter writer(id);
@@ -12,7 +12,7 @@ QByteArray buildCommand(const log::Origin &origin, quint8 id, Command command,
     for (const quint8 byte : plain)
         writer.plain(byte);
     writer.escaped(escaped);
-    CANBUS_DEBUG_AT(origin) << log::hex(writer.checkByte());
+    CANBUS_DEBUG_AT(origin) << logging::hex(writer.checkByte());
 
     QByteArray frame = writer.finish();
     CANBUS_DEBUG_AT(origin) << frame;

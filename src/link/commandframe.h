@@ -14,7 +14,7 @@ namespace canbus {
 /// @param origin  the operation on whose behalf the log lines are written
 /// @param plain  data bytes that are never escaped, because their range has no 9F
 /// @param escaped  the data bytes behind them, of any value
-QByteArray buildCommand(const log::Origin &origin, quint8 id, Command command,
+QByteArray buildCommand(const logging::Origin &origin, quint8 id, Command command,
                         std::initializer_list<quint8> plain, const QByteArray &escaped = {});
 
 } // namespace canbus

@@ -37,9 +37,10 @@ VelCanBusProtocol::VelCanBusProtocol(QObject *parent)
     connect(CanBusPlayer::instance(), &CanBusPlayer::sendCmdData, this,
             &VelCanBusProtocol::onSaveSendCmdData);
 
-    // The parser thread uses these two: they must be there before it is registered for the exit.
+    // The parser thread uses these: they must be there before it is registered for the exit.
     CanBusReadBuff::instance();
     CanBusDataMap::instance();
+    QLoggingCategory::defaultCategory();
     auto *tickThread = new CanbusTickThread(nullptr, this);
     d->tickThread = tickThread;
     tickThread->start();
@@ -116,7 +117,7 @@ bool VelCanBusProtocol::checkXOR(int start, int end)
 void VelCanBusProtocol::onProcessingFrameData(int start, int end)
 {
     if (end != -1)
-        d->frameBytes = CanBusReadBuff::instance()->data.mid(start, end - start);
+        d->frameBytes = CanBusReadBuff::instance()->data.mid(start, std::max(0, end - start));
 }
 
 void VelCanBusProtocol::onCategoryDataProcessing()
@@ -178,8 +179,7 @@ void VelCanBusProtocol::onReceiveSaveACKData()
     if (d->frameBytes.isEmpty())
         return;
     const quint8 id = firstByte(d->frameBytes);
-    const quint8 currentId = d->look([](const SendQueue &queue) { return queue.currentId(); });
-    CANBUS_DEBUG() << "ack id---" << log::hex(id) << log::hex(currentId);
+    CANBUS_DEBUG() << "ack id---" << logging::hex(id) << logging::hex(d->look(&SendQueue::currentId));
     removeSendCmdData(char(id));
     d->act([id](SendQueue &queue, LinkEffects &effects) { queue.confirmLink(id, effects); });
 }
@@ -189,8 +189,7 @@ void VelCanBusProtocol::onReceiveSaveNACKData()
     if (d->frameBytes.isEmpty())
         return;
     const quint8 id = firstByte(d->frameBytes);
-    const quint8 currentId = d->look([](const SendQueue &queue) { return queue.currentId(); });
-    CANBUS_DEBUG() << "nack id---" << log::hex(id) << log::hex(currentId);
+    CANBUS_DEBUG() << "nack id---" << logging::hex(id) << logging::hex(d->look(&SendQueue::currentId));
     removeSendCmdData(char(id));
 }
 
@@ -206,8 +205,10 @@ void VelCanBusProtocol::removeSendCmdData(char id)
 
 void VelCanBusProtocol::onCheckConnectTmrout()
 {
-    const quint8 id = d->look([](const SendQueue &queue) { return queue.connectionId(); });
-    CANBUS_DEBUG() << log::hex(id) << SendQueue::connectionCheck(id);
+    if (logging::isDebugEnabled()) {
+        const quint8 id = d->look(&SendQueue::connectionId);
+        CANBUS_DEBUG() << logging::hex(id) << SendQueue::connectionCheck(id);
+    }
     d->act([](SendQueue &queue, LinkEffects &effects) { queue.checkConnect(effects); });
 }
 
@@ -218,16 +219,12 @@ void VelCanBusProtocol::onRequestConnect()
 
 void VelCanBusProtocol::onSendTmrout()
 {
-    struct {
-        bool handshaking;
-        int transmissions;
-        int cachedFrames;
-    } before = d->look([](const SendQueue &queue) {
-        return decltype(before) {queue.isHandshaking(), queue.transmissions(), queue.cachedFrames()};
-    });
-    if (!before.handshaking)
-        CANBUS_DEBUG() << before.transmissions << (before.cachedFrames == 0) << before.cachedFrames;
-
+    if (logging::isDebugEnabled()) {
+        const SendQueue before = d->look([](const SendQueue &queue) { return queue; });
+        const int cached = before.cachedFrames();
+        if (!before.isHandshaking())
+            CANBUS_DEBUG() << before.transmissions() << (cached == 0) << cached;
+    }
     d->act([this](SendQueue &queue, LinkEffects &effects) {
         // Directly, unlike all other starts and stops: this is the timer's own thread.
         if (queue.resend(effects))

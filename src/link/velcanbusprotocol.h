@@ -46,7 +46,7 @@ public:
     void LogFrameData() const
     {
         CANBUS_DEBUG() << "id-" << id << "TP-" << TP << "MOD-" << MOD << "DATA-" << DATA << "CS-"
-                       << log::hex(CS);
+                       << logging::hex(CS);
     }
 
     /// Empties all fields.
@@ -73,7 +73,7 @@ public:
     /// Lets the loop end after the current pass. Does not wait. Usable on every thread.
     void stop();
 
-protected:
+    /// The loop of the thread; start() runs it. Returns at once after stop().
     void run() override;
 
 private:
@@ -87,7 +87,8 @@ private:
 /// Create it on the host's main thread, after which it connects itself to CanBusPlayer::sendCmdData(), its
 /// parser thread runs, and the first connect request follows after two seconds. Give it to
 /// CanBusPlayer::init(). It may be deleted, on its own thread, and a new one made; a host that leaves it
-/// alive at the end of the process does no harm.
+/// alive at the end of the process does no harm. Its parser thread ends with the application object at the
+/// latest: a process that makes a second application object makes a second protocol.
 ///
 /// Threads: the receive path (the steps of a pass, the answers, the parse operations) runs on the parser
 /// thread; the timers' slots and commands run on the protocol's own. What both use, the state of sending,

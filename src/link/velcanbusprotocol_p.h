@@ -7,6 +7,8 @@
 #include <QtCore/QMutex>
 #include <QtCore/QTimer>
 
+#include <functional>
+
 namespace canbus {
 
 /// What the protocol object is made of, by the threads that touch it.
@@ -32,7 +34,7 @@ public:
     auto look(Read &&read)
     {
         QMutexLocker lock(&m_mutex);
-        return read(m_queue);
+        return std::invoke(read, m_queue);
     }
 
     /// Writes a block that no answer is expected for, in order with all others.

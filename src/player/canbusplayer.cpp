@@ -74,7 +74,7 @@ using Decoder = void (Group::*)(QByteArray);
 
 /// Hands `data` to the decoder of its sub-type: the index into `decoders`.
 template <class Group, int Count>
-void route(const log::Origin &origin, const QByteArray &TPMOD, const QByteArray &data,
+void route(const logging::Origin &origin, const QByteArray &TPMOD, const QByteArray &data,
            const Decoder<Group> (&decoders)[Count])
 {
     CANBUS_DEBUG_AT(origin) << TPMOD.size() << data.size();
@@ -92,6 +92,8 @@ CanBusPlayerPrivate::CanBusPlayerPrivate(CanBusPlayer *player)
     : QxPrivate<CanBusPlayer>(player)
     , eventHandler(EventHandler::instance())
 {
+    // A coarse timer of this length is up to half a second early: the minute that ends would be sent.
+    syncTimer.setTimerType(Qt::PreciseTimer);
 }
 
 bool CanBusPlayerPrivate::openPort()
@@ -122,6 +124,10 @@ void CanBusPlayerPrivate::connectAll()
     QObject::connect(eventHandler->srcDsplCtrl(), &SrcDsplCtrl::dsplAndSrcChanged, q,
                      &CanBusPlayer::onCanbusSourceDsplChange);
     QObject::connect(&syncTimer, &QTimer::timeout, q, &CanBusPlayer::onSyncTimeTmrout);
+    QObject::connect(protocol, &QObject::destroyed, q, [this](const QObject *gone) {
+        if (protocol == gone)
+            protocol = nullptr;
+    });
 }
 
 CanBusPlayer *CanBusPlayer::instance()
@@ -146,26 +152,31 @@ CanBusPlayer::~CanBusPlayer()
 
 void CanBusPlayer::init(CanbusProtocol *protocol)
 {
-    if (!protocol) {
-        CANBUS_ERROR() << "no protocol: create a VelCanBusProtocol and pass it";
-        return;
-    }
     pinDriver::setUp();
     if (!d->serialPort)
         d->serialPort = new SerialPort;
     if (thread)
         startWorkerThread();
-    if (d->openPort()) {
-        CANBUS_DEBUG() << "can uart is open";
-        d->protocol = protocol;
-        d->connectAll();
-        CANBUS_DEBUG() << "port, protocol and host are joined";
-    }
+    if (d->openPort())
+        join(CANBUS_HERE, protocol);
     if (!thread) {
         thread = new QThread;
         d->serialPort->moveToThread(thread);
         startWorkerThread();
     }
+}
+
+/// Joins the open port, the protocol and the host.
+void CanBusPlayer::join(const logging::Origin &origin, CanbusProtocol *protocol)
+{
+    CANBUS_DEBUG_AT(origin) << "can uart is open";
+    if (!protocol) {
+        CANBUS_ERROR_AT(origin) << "no protocol: create a VelCanBusProtocol and pass it";
+        return;
+    }
+    d->protocol = protocol;
+    d->connectAll();
+    CANBUS_DEBUG_AT(origin) << "port, protocol and host are joined";
 }
 
 /// Starts the thread if it is not running: it ends with the application object, and a process may make
@@ -174,8 +185,10 @@ void CanBusPlayer::startWorkerThread()
 {
     if (thread->isRunning())
         return;
-    // The port's thread appends to the buffer: it must be there before the thread is registered for the exit.
+    // The port's thread appends to the buffer and logs: both must be there before the thread is registered
+    // for the exit.
     CanBusReadBuff::instance();
+    QLoggingCategory::defaultCategory();
     QThread *const worker = thread;
     worker->start(QThread::InheritPriority);
     threadsAtExit::add(worker, [worker] { worker->quit(); });
@@ -224,7 +237,9 @@ void CanBusPlayer::onEscapeFrameHeader(char byte, QByteArray &frame)
 
 void CanBusPlayer::readPortData(QByteArray data)
 {
-    d->protocol->analyseData(data);
+    // Bytes may be under way from the port's thread while the host deletes its protocol.
+    if (d->protocol)
+        d->protocol->analyseData(data);
 }
 
 void CanBusPlayer::writPortData(QByteArray data)
@@ -297,7 +312,7 @@ void CanBusPlayer::onParingAssistInfo(QByteArray TPMOD, QByteArray data)
 void CanBusPlayer::suppScreen(QByteArray data)
 {
     const quint8 flags = firstByte(data);
-    CANBUS_DEBUG() << data.size() << log::hex(flags) << int(flags);
+    CANBUS_DEBUG() << data.size() << logging::hex(flags) << int(flags);
     d->screensInfo.clear();
     for (int screen = 0; screen < kScreenCount; ++screen) {
         d->screensInfo.insert(screen, bitAt(flags, screen));
@@ -459,7 +474,7 @@ void CanBusPlayer::syncGPSTimeToCanbus(int minute, int hour, int day, int month,
 }
 
 /// Whether the box's camera picture may be shown; logs what that depends on.
-bool CanBusPlayer::isCameraInUse(const log::Origin &origin) const
+bool CanBusPlayer::isCameraInUse(const logging::Origin &origin) const
 {
     const bool supported = d->screensInfo.value(kReverseCameraScreen);
     const bool wanted = mem::SettingsUtil::instance()->getCameraComposite(false);

@@ -16,7 +16,7 @@ class QThread;
 
 namespace canbus {
 
-namespace log {
+namespace logging {
 struct Origin;
 }
 
@@ -47,7 +47,8 @@ public:
     /// Sets up the board's pins, opens the port and, if that succeeds, joins it to the protocol and the
     /// player to the host; then moves the port to its worker thread. Call it once, after setUartPort().
     /// Called again it opens the port again and makes every connection a second time.
-    /// @param protocol  the host's, which must outlive the traffic; null is an error that changes nothing
+    /// @param protocol  the host's, who may delete it, on the main thread, and call init() with a new one;
+    ///   null is logged as an error, and leaves the open port without a protocol
     void init(CanbusProtocol *protocol);
 
     /// Sets the serial device for the next init().
@@ -141,8 +142,9 @@ public Q_SLOTS:
 private:
     friend struct CanBusPlayerProbe; // the tests' look at the wiring
 
+    void join(const logging::Origin &origin, CanbusProtocol *protocol);
     void startWorkerThread();
-    bool isCameraInUse(const log::Origin &origin) const;
+    bool isCameraInUse(const logging::Origin &origin) const;
 
     QThread *thread = nullptr; // the port's worker; never deleted
     CanBusPlayerPrivate *d;

@@ -136,7 +136,7 @@ void SerialPort::onReadyRead()
     Q_EMIT read(data);
 }
 
-void SerialPort::write(const char *bytes, int size, const log::Origin &origin)
+void SerialPort::write(const char *bytes, int size, const logging::Origin &origin)
 {
     if (!isOpen()) {
         Q_EMIT status(notConnected());

@@ -10,7 +10,7 @@ class QSerialPort;
 
 namespace canbus {
 
-namespace log {
+namespace logging {
 struct Origin;
 }
 
@@ -74,7 +74,7 @@ private Q_SLOTS:
     void onReadyRead();
 
 private:
-    void write(const char *bytes, int size, const log::Origin &origin);
+    void write(const char *bytes, int size, const logging::Origin &origin);
     bool isLineLost(int errorCode) const;
     void goSilent();
 

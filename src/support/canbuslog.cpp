@@ -3,14 +3,15 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-namespace canbus::log {
+namespace canbus::logging {
 
 namespace {
 
-QByteArray kernelThreadId()
+qint64 kernelThreadId()
 {
-    // Asked once for each thread: the call would cost more than the rest of the line.
-    static thread_local const QByteArray id = QByteArray::number(qint64(::syscall(SYS_gettid)));
+    // Asked once for each thread: the call would cost more than the rest of the line. A plain number, so that
+    // it outlives every static object that may still log at exit.
+    static thread_local const qint64 id = ::syscall(SYS_gettid);
     return id;
 }
 
@@ -22,7 +23,7 @@ Line::Line(QtMsgType level, const Origin &origin)
 {
     m_text.reserve(256);
     m_text += level == QtDebugMsg ? QLatin1String("[DBG] ") : QLatin1String("[ERR] ");
-    m_text += QLatin1String(kernelThreadId());
+    m_text += QString::number(kernelThreadId());
     m_text += QLatin1Char(' ');
     m_text += QLatin1String(origin.signature);
     m_text += QLatin1Char(' ');
@@ -76,4 +77,4 @@ Line &Line::operator<<(AsIs raw)
     return *this;
 }
 
-} // namespace canbus::log
+} // namespace canbus::logging

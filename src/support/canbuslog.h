@@ -17,7 +17,7 @@
 ///
 /// Usage: `CANBUS_DEBUG() << "retry" << count;`. While a level is switched off, its line costs the test of
 /// a flag: no value is formatted and the operands are not even evaluated. Usable on every thread.
-namespace canbus::log {
+namespace canbus::logging {
 
 /// The operation on whose behalf a line is written. Shared code takes it from its caller, so that a line
 /// names the operation that the reader of the log knows.
@@ -90,19 +90,19 @@ private:
     QString m_text;
 };
 
-} // namespace canbus::log
+} // namespace canbus::logging
 
 /// The calling operation as an Origin.
-#define CANBUS_HERE (::canbus::log::Origin {__FILE__, __LINE__, Q_FUNC_INFO})
+#define CANBUS_HERE (::canbus::logging::Origin {__FILE__, __LINE__, Q_FUNC_INFO})
 
 /// A debug or error line of the given operation. A `for` and not an `if`, so that an `else` behind it
 /// cannot bind to it.
 #define CANBUS_DEBUG_AT(origin)                                                                              \
-    for (bool canbusLogs = ::canbus::log::isDebugEnabled(); canbusLogs; canbusLogs = false)                  \
-    ::canbus::log::Line(QtDebugMsg, origin)
+    for (bool canbusLogs = ::canbus::logging::isDebugEnabled(); canbusLogs; canbusLogs = false)              \
+    ::canbus::logging::Line(QtDebugMsg, origin)
 #define CANBUS_ERROR_AT(origin)                                                                              \
-    for (bool canbusLogs = ::canbus::log::isErrorEnabled(); canbusLogs; canbusLogs = false)                  \
-    ::canbus::log::Line(QtCriticalMsg, origin)
+    for (bool canbusLogs = ::canbus::logging::isErrorEnabled(); canbusLogs; canbusLogs = false)              \
+    ::canbus::logging::Line(QtCriticalMsg, origin)
 
 /// A debug or error line of the calling operation.
 #define CANBUS_DEBUG() CANBUS_DEBUG_AT(CANBUS_HERE)

@@ -11,8 +11,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-using canbus::log::asIs;
-using canbus::log::hex;
+using canbus::logging::asIs;
+using canbus::logging::hex;
 
 namespace car {
 
@@ -32,7 +32,7 @@ public:
     }
 };
 
-void reportFor(const canbus::log::Origin &origin)
+void reportFor(const canbus::logging::Origin &origin)
 {
     CANBUS_DEBUG_AT(origin) << "from the shared part";
     CANBUS_ERROR_AT(origin) << "failed in the shared part";
@@ -277,7 +277,7 @@ void TestCanbusLog::evaluatesNothingWhileDebugIsOff()
     CANBUS_DEBUG_AT(CANBUS_HERE) << ++evaluated;
     QCOMPARE(evaluated, 0);
     QCOMPARE(log.lines().size(), 0);
-    QVERIFY(!canbus::log::isDebugEnabled());
+    QVERIFY(!canbus::logging::isDebugEnabled());
 }
 
 void TestCanbusLog::evaluatesNothingWhileErrorsAreOff()

@@ -86,7 +86,6 @@ private Q_SLOTS:
     void dropsWrittenBytesBeforeItHasAPort();
     void writesToThePort();
     void writesOnTheCallersThread();
-    void refusesToStartWithoutAProtocol();
 };
 
 void TestCanBusPlayer::init()
@@ -129,6 +128,8 @@ void TestCanBusPlayer::startsWithItsDefaults()
     QVERIFY(!data.syncTimer.isActive());
     QCOMPARE(data.syncTimer.interval(), 0);
     QCOMPARE(data.syncTimer.parent(), nullptr);
+    // A coarse timer may be half a second early, in the minute that ends.
+    QCOMPARE(data.syncTimer.timerType(), Qt::PreciseTimer);
     QCOMPARE(data.menuByte0, 0);
     QCOMPARE(data.menuByte1, 0);
     QCOMPARE(data.menuSpare, 0);
@@ -292,19 +293,6 @@ void TestCanBusPlayer::writesOnTheCallersThread()
     worker.quit();
     QVERIFY(worker.wait(10000));
     QCOMPARE(writerAtReturn, QThread::currentThread());
-}
-
-void TestCanBusPlayer::refusesToStartWithoutAProtocol()
-{
-    CanBusPlayer player;
-    LogRecorder log;
-    player.init(nullptr);
-    QCOMPARE(log.messages("[ERR]").size(), 1);
-    QVERIFY(log.lines().at(0).text.contains(
-        QLatin1String(" void canbus::CanBusPlayer::init(canbus::CanbusProtocol*) ")));
-    QCOMPARE(dataOf(player).serialPort, nullptr);
-    QCOMPARE(dataOf(player).protocol, nullptr);
-    QCOMPARE(CanBusPlayerProbe::thread(player), nullptr);
 }
 
 QTEST_GUILESS_MAIN(TestCanBusPlayer)

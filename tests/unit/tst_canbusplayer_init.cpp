@@ -6,6 +6,8 @@
 
 #include <QtTest/QtTest>
 
+#include <memory>
+
 #include <eventhandler.h>
 #include <mcuvechiclebridge.h>
 #include <srcdsplctrl.h>
@@ -90,6 +92,8 @@ private Q_SLOTS:
     void opensThePortAgainOnItsOwnThread();
     void doublesTheConnectionsWhenStartedTwice();
     void takesTheSecondProtocol();
+    void outlivesItsProtocol();
+    void opensThePortAlsoWithoutAProtocol();
     void startsAWorkerThreadThatHasEnded();
 };
 
@@ -325,6 +329,34 @@ void TestCanBusPlayerInit::takesTheSecondProtocol()
     QVERIFY(rig.line.send(bytes("31")));
     QTRY_VERIFY(!second.received.isEmpty());
     QCOMPARE(rig.protocol.received, QList<QByteArray>());
+}
+
+void TestCanBusPlayerInit::outlivesItsProtocol()
+{
+    PlayerRig rig;
+    rig.player.setUartPort(rig.line.name(), 57600);
+    auto first = std::make_unique<PlayedProtocol>();
+    rig.player.init(first.get());
+    first.reset();
+    QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, nullptr);
+    // As when bytes were under way from the port's thread.
+    rig.player.readPortData(bytes("31"));
+    rig.player.init(&rig.protocol);
+    QVERIFY(rig.line.send(bytes("32 33")));
+    QTRY_VERIFY(!rig.protocol.received.isEmpty());
+    QCOMPARE(rig.protocol.received.first(), bytes("32 33"));
+}
+
+void TestCanBusPlayerInit::opensThePortAlsoWithoutAProtocol()
+{
+    PlayerRig rig;
+    rig.player.setUartPort(rig.line.name(), 57600);
+    LogRecorder log;
+    rig.player.init(nullptr);
+    QCOMPARE(log.messages("[ERR]").size(), 1);
+    QVERIFY(rig.port()->isOpen());
+    QCOMPARE(rig.port()->thread(), rig.thread());
+    QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, nullptr);
 }
 
 void TestCanBusPlayerInit::startsAWorkerThreadThatHasEnded()

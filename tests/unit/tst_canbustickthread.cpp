@@ -4,6 +4,8 @@
 
 #include <QtTest/QtTest>
 
+#include <thread>
+
 #include <atomic>
 #include <memory>
 
@@ -62,6 +64,7 @@ private Q_SLOTS:
     void runsUntilItIsStopped();
     void onlyTicksWithoutAProtocol();
     void stopsBeforeItHasRun();
+    void runsOnWhateverThreadCallsItsLoop();
 
     void consumesWhatArrives();
     void reachesObjectsOfOtherThreadsQueued();
@@ -110,6 +113,15 @@ void CanbusTickThreadTest::stopsBeforeItHasRun()
     thread.stop();
     thread.start();
     QVERIFY(thread.wait(kLongestWaitMs));
+}
+
+void CanbusTickThreadTest::runsOnWhateverThreadCallsItsLoop()
+{
+    CanbusTickThread thread(nullptr, nullptr);
+    std::thread other([&thread] { thread.run(); });
+    thread.stop();
+    other.join();
+    QVERIFY(!thread.isRunning());
 }
 
 void CanbusTickThreadTest::consumesWhatArrives()

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void comparesTheCheckByte();
     void takesTheFrameOutOfTheBuffersData();
     void keepsTheFrameThatItHasWithoutAnEnd();
+    void takesNothingFromAnEndBeforeItsStart();
     void preparesNoAnswerForAnEmptyFrame();
     void removesOneByte();
     void logsThatAByteIsMissing();
@@ -108,6 +109,17 @@ void VelCanBusProtocolStepsTest::keepsTheFrameThatItHasWithoutAnEnd()
     protocol->onProcessingFrameData(0, -1);
     protocol->onReceiveSaveData();
     QCOMPARE(protocol.takeEvents(), (QStringList {"climate 05 07", "write 9f0621219f03"}));
+}
+
+void VelCanBusProtocolStepsTest::takesNothingFromAnEndBeforeItsStart()
+{
+    HandDrivenProtocol protocol;
+    protocol.arrive(bytes("9f 02 21 03 05 07 20 9f 03"));
+    protocol->onSearchDLE();
+    protocol->checkXOR(2, 9);
+    protocol->onProcessingFrameData(9, 2);
+    protocol->onReceiveSaveData();
+    QCOMPARE(protocol.takeEvents(), QStringList());
 }
 
 void VelCanBusProtocolStepsTest::preparesNoAnswerForAnEmptyFrame()

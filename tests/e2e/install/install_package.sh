@@ -80,7 +80,7 @@ expect_exports() {
     strangers=$(grep -vE \
         -e "^. canbus::($classes)::" \
         -e "^. (vtable|typeinfo|typeinfo name) for canbus::($classes)$" \
-        -e '^T canbus::log::Line::' \
+        -e '^T canbus::logging::Line::' \
         -e '^T operator<<\(QDebug, C::DSPLState\)$' \
         -e '^[WVu] (typeinfo for |typeinfo name for |vtable for )?std::' \
         -e '^[BD] (__bss_start|_edata|_end)$' <<<"$names") || true
