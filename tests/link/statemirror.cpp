@@ -15,7 +15,11 @@ namespace {
 template <class Array, class List>
 void copyTo(Array &array, const List &list)
 {
-    Q_ASSERT(list.size() == int(array.size()));
+    // The throttled items are announced together, also those that were not received yet.
+    if (list.isEmpty())
+        return;
+    if (list.size() != int(array.size()))
+        qFatal("a list of %d entries instead of %d", list.size(), int(array.size()));
     std::transform(list.begin(), list.end(), array.begin(),
                    [](auto value) { return typename Array::value_type(value); });
 }
