@@ -17,6 +17,10 @@ public:
     Program(const QString &name, const QStringList &arguments)
     {
         m_process.setProcessChannelMode(QProcess::SeparateChannels);
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+        environment.remove(QStringLiteral("LANGUAGE"));
+        m_process.setProcessEnvironment(environment);
         m_process.start(QStringLiteral(CANBUS_BIN_DIR "/") + name, arguments);
     }
 
