@@ -55,6 +55,7 @@ static_assert(kHas<void (McuVechicleBridge::*)(bool, int), ReverseChanged, McuVe
 // displaystate.h
 
 static_assert(std::is_enum_v<C::DSPLState>, "C::DSPLState must be an enumeration");
+static_assert(std::is_convertible_v<C::DSPLState, int>, "C::DSPLState must convert to int: no enum class");
 static_assert(QtPrivate::IsQEnumHelper<C::DSPLState>::Value,
               "the host SDK lacks: Q_ENUM_NS(DSPLState) in a namespace C with Q_NAMESPACE");
 static_assert(std::is_enum_v<C::SourceState>, "C::SourceState must be an enumeration");
@@ -153,8 +154,7 @@ using BMember = decltype(T::b);
 template <class T>
 using SerializedMember = decltype(T::serialized);
 
-static_assert(std::is_same_v<std::underlying_type_t<Qx::Touch>, int>,
-              "Qx::Touch must be an enumeration of int");
+static_assert(std::is_enum_v<Qx::Touch>, "Qx::Touch must be an enumeration");
 static_assert(std::is_base_of_v<QEvent, SimpleEvent<Qx::Touch>>, "SimpleEvent<Qx::Touch> must be a QEvent");
 static_assert(std::is_base_of_v<SimpleEvent<Qx::Touch>, TouchEvent>,
               "TouchEvent must be a SimpleEvent<Qx::Touch>");
