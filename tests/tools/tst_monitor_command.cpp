@@ -3,6 +3,7 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QProcess>
+#include <QtCore/QProcessEnvironment>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
@@ -20,6 +21,10 @@ class Command {
 public:
     explicit Command(const QStringList &arguments, const QString &program = QStringLiteral(CANBUS_MONITOR))
     {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C")); // the system's errors in English
+        environment.remove(QStringLiteral("LANGUAGE"));
+        process.setProcessEnvironment(environment);
         process.start(program, arguments);
         if (!process.waitForStarted(kWaitMs))
             qFatal("the command does not start");
@@ -236,9 +241,10 @@ void tst_monitor_command::answersImpossibleCallsAndGoesOn()
     Command monitor({"--port", line.name()});
     monitor.type("climate.rearZone=2\n\nplayer.getCanbusConnectStatus");
     QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> false"), kWaitMs);
-    QCOMPARE(
+    QTRY_COMPARE_WITH_TIMEOUT(
         monitor.errors(),
-        QByteArray("canbus-monitor: climate.rearZone, isPress: \"2\" is no bool: true, false, 1 or 0\n"));
+        QByteArray("canbus-monitor: climate.rearZone, isPress: \"2\" is no bool: true, false, 1 or 0\n"),
+        kWaitMs);
 }
 
 void tst_monitor_command::listsWhatCanBeCalled()
