@@ -119,6 +119,7 @@ void Box::takeCommand(const WireFrame &frame)
     Event &event = m_output.events.last();
     event.command = command;
     event.repeated = repeated;
+    event.acknowledged = !m_silent;
     event.category = categoryOfId(frame.id);
     if (m_silent)
         return;

@@ -14,7 +14,7 @@ namespace boxsim {
 /// Something that happened, for whoever watches the box.
 struct Event {
     enum class Kind {
-        Command,  ///< a data frame came: `command`, `repeated`, `category`
+        Command,  ///< a data frame came: `command`, `acknowledged`, `repeated`, `category`
         Ack,      ///< an acknowledgement came; `reason` is set when it was for no frame under way
         Nack,     ///< a negative acknowledgement came
         BadFrame, ///< bytes came that are no frame: `reason`
@@ -29,8 +29,9 @@ struct Event {
     qint64 timeMs = 0;
     int id = kNoId;
     DecodedCommand command;
-    bool repeated = false; ///< the same bytes as the frame right before it: taken as a retransmission
-    quint8 category = 0;   ///< whose id the command carries, as a TP byte; 0: none of the box's
+    bool acknowledged = false; ///< the box has answered: always, unless it is silent
+    bool repeated = false;     ///< the same bytes as the frame right before it: taken as a retransmission
+    quint8 category = 0;       ///< whose id the command carries, as a TP byte; 0: none of the box's
     QString reason;
     QByteArray bytes; ///< as on the wire
 };

@@ -99,6 +99,8 @@ void addCommand(JsonLine &line, const Event &event)
         line.add(argument.name, argument.value);
     if (event.repeated)
         line.add("repeated", "true");
+    if (event.acknowledged)
+        line.add("acknowledged", "true");
 }
 
 } // namespace
@@ -114,6 +116,8 @@ QByteArray toLine(const Event &event)
         line += "  id " + hexId(event.id);
     if (event.category != 0)
         line += " of " + categoryName(event.category);
+    if (event.acknowledged)
+        line += ", acknowledged";
     if (!event.reason.isEmpty())
         line += ": " + event.reason.toUtf8();
     if (event.kind == Kind::BadFrame)

@@ -32,6 +32,7 @@ Event repeatedCommandOfClimate()
 {
     Event made = command();
     made.repeated = true;
+    made.acknowledged = true;
     made.category = 3;
     return made;
 }
@@ -72,9 +73,9 @@ void TestBoxsimReport::writesAnEventAsALineAndAsJson_data()
         R"({"t":1.234,"event":"command","name":"climate.acBtn","press":true,"value":0,"id":33,)"
         R"("bytes":"9f02219300120100a19f03"})");
     row("a repeated command with an id of the climate category", repeatedCommandOfClimate(),
-        "   1.234  climate.acBtn press=true value=0 (repeated)  id 21 of climate",
+        "   1.234  climate.acBtn press=true value=0 (repeated)  id 21 of climate, acknowledged",
         R"({"t":1.234,"event":"command","name":"climate.acBtn","press":true,"value":0,"repeated":true,)"
-        R"("id":33,"category":"climate","bytes":"9f02219300120100a19f03"})");
+        R"("acknowledged":true,"id":33,"category":"climate","bytes":"9f02219300120100a19f03"})");
     row("a text argument and the id 0", unknownCommand(), "   0.000  unknown tp=55  id 00",
         R"({"t":0.000,"event":"command","name":"unknown","tp":"55","id":0})");
     row("an acknowledgement", eventOf(Kind::Ack, 100, 0x9F, "9f 06 9f 9f 9f 03"), "   0.100  ack  id 9f",
