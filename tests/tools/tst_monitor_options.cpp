@@ -1,5 +1,7 @@
 #include "options.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 #include <QtTest/QtTest>
 
 using canbus::monitor::Form;
@@ -19,6 +21,7 @@ private Q_SLOTS:
     void refusesAndSaysWhatWouldBeRight();
     void helpNamesEveryOption_data();
     void helpNamesEveryOption();
+    void theManualPageHasEveryOptionOfTheHelp();
 };
 
 namespace {
@@ -124,8 +127,9 @@ void tst_monitor_options::refusesAndSaysWhatWouldBeRight()
 void tst_monitor_options::helpNamesEveryOption_data()
 {
     QTest::addColumn<QString>("option");
-    for (const char *option : {"--port <DEVICE>", "--baud <N>", "--json", "--for <SECONDS>",
-                               "--call <GROUP.CONTROL[=ARG,...]>", "--verbose", "--help", "--version"})
+    for (const char *option :
+         {"--port <DEVICE>", "--baud <N>", "--json", "--for <SECONDS>", "--screen <NAME>",
+          "--call <GROUP.CONTROL[=ARG,...]>", "--verbose", "--help", "--version"})
         QTest::newRow(option) << option;
 }
 
@@ -133,6 +137,23 @@ void tst_monitor_options::helpNamesEveryOption()
 {
     QFETCH(QString, option);
     QVERIFY2(canbus::monitor::helpText().contains(option), qPrintable(canbus::monitor::helpText()));
+}
+
+void tst_monitor_options::theManualPageHasEveryOptionOfTheHelp()
+{
+    QFile file(CANBUS_SOURCE_DIR "/docs/man/canbus-monitor.1");
+    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
+    const QString page = QString::fromUtf8(file.readAll());
+    const QRegularExpression inHelp("^ +--([a-z-]+)", QRegularExpression::MultilineOption);
+    int options = 0;
+    for (auto found = inHelp.globalMatch(canbus::monitor::helpText()); found.hasNext(); ++options) {
+        const QString option = found.next().captured(1).replace("-", R"(\-)");
+        const QString entry = QRegularExpression::escape(R"(\-\-)" + option);
+        const QRegularExpression inPage(R"(^\.TP\n\.BI? )" + entry + "( |$)",
+                                        QRegularExpression::MultilineOption);
+        QVERIFY2(inPage.match(page).hasMatch(), qPrintable(option));
+    }
+    QCOMPARE(options, 9);
 }
 
 QTEST_GUILESS_MAIN(tst_monitor_options)

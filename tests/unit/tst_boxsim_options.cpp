@@ -1,5 +1,7 @@
 #include "boxsim/options.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 #include <QtTest/QtTest>
 
 using boxsim::Options;
@@ -30,6 +32,7 @@ private Q_SLOTS:
     void takesEveryOption();
     void takesADeviceAndItsBaudRate();
     void showsHelpAndVersionWithoutALine();
+    void theManualPageHasEveryOptionOfTheHelp();
     void saysWhatIsWrong_data();
     void saysWhatIsWrong();
 };
@@ -75,6 +78,23 @@ void TestBoxsimOptions::showsHelpAndVersionWithoutALine()
     for (const char *option : {"--pty", "--port", "--baud", "--split", "--silent-after", "--not-ready"})
         QVERIFY2(help.helpText.contains(QLatin1String(option)), option);
     QCOMPARE(int(parsed({"--version"}).task), int(Options::Task::ShowVersion));
+}
+
+void TestBoxsimOptions::theManualPageHasEveryOptionOfTheHelp()
+{
+    QFile file(CANBUS_SOURCE_DIR "/docs/man/canbus-boxsim.1");
+    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
+    const QString page = QString::fromUtf8(file.readAll());
+    const QRegularExpression inHelp("^ +--([a-z-]+)", QRegularExpression::MultilineOption);
+    int options = 0;
+    for (auto found = inHelp.globalMatch(parsed({"--help"}).helpText); found.hasNext(); ++options) {
+        const QString option = found.next().captured(1);
+        // The page's macro for an option writes the first of its dashes.
+        const QRegularExpression inPage(R"(^\.It Fl -)" + option + "( |$)",
+                                        QRegularExpression::MultilineOption);
+        QVERIFY2(inPage.match(page).hasMatch(), qPrintable(option));
+    }
+    QCOMPARE(options, 9);
 }
 
 void TestBoxsimOptions::saysWhatIsWrong_data()
