@@ -13,7 +13,8 @@ public:
         m_port.setPortName(device);
         m_port.setBaudRate(baudRate);
         if (!m_port.open(QIODevice::ReadWrite)) {
-            *error = QStringLiteral("cannot open %1: %2").arg(device, m_port.errorString());
+            *error = QStringLiteral("cannot open %1: %2: name a serial device with --port")
+                         .arg(device, m_port.errorString());
             return false;
         }
         connect(&m_port, &QSerialPort::readyRead, this, [this] { Q_EMIT received(m_port.readAll()); });

@@ -151,8 +151,11 @@ void tst_monitor_argument::refusesAndSaysWhatWouldBeRight_data()
                                  << R"("1,2" is no QList<int>: items between brackets, for example [1,0])";
     QTest::newRow("an item that does not fit")
         << "[1,3]" << qMetaTypeId<QList<bool>>() << R"("3" is no bool: )" + flags;
-    QTest::newRow("a type that has no text")
-        << "1" << int(QMetaType::QObjectStar) << "a value of its type cannot be written here";
+    const QString noText = QStringLiteral(" cannot be written here, only flags, numbers, texts, bytes and "
+                                          "lists: call this from a host of your own");
+    QTest::newRow("a type that has no text") << "1" << int(QMetaType::QObjectStar) << "a QObject*" + noText;
+    QTest::newRow("a type that is not registered")
+        << "1" << int(QMetaType::UnknownType) << "a value of an unknown type" + noText;
 }
 
 void tst_monitor_argument::refusesAndSaysWhatWouldBeRight()

@@ -140,7 +140,8 @@ void tst_monitor_command::saysInOneLineWhyThePortDoesNotOpen()
     Command monitor({"--port", device});
     QCOMPARE(monitor.waitForEnd(), 1);
     QCOMPARE(monitor.errors(),
-             "canbus-monitor: cannot open " + device.toUtf8() + " at 57600 baud: " + reason + "\n");
+             "canbus-monitor: cannot open " + device.toUtf8() + " at 57600 baud: " + reason
+                 + ": name the box's device with --port\n");
     QCOMPARE(monitor.output(), QByteArray());
 }
 
@@ -256,6 +257,9 @@ void tst_monitor_command::listsWhatCanBeCalled()
     QVERIFY(monitor.hasLine("player.getCanbusConnectStatus() -> bool"));
     QVERIFY(monitor.hasLine("climate.onSendDataSort(char Type[, bool isPress[, char value]])"));
     QVERIFY(monitor.hasLine("climate.manualTemp(char value)"));
+    QVERIFY(monitor.hasLine("gauges.Gauge1_CenterGauge(bool isPress)"));
+    QVERIFY(monitor.hasLine("vehicle.checkEngine()"));
+    QVERIFY(monitor.hasLine("parking.requestParkInfo()"));
     QVERIFY(monitor.hasLine("host.display(int state)"));
     QVERIFY(monitor.hasLine("host.reverse(bool engaged)"));
 }

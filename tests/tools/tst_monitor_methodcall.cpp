@@ -214,7 +214,8 @@ void tst_monitor_methodcall::refusesAndSaysWhatWouldBeRight_data()
                                 << R"(a quote or bracket is not closed in "[1")";
     QTest::newRow("a type that has no text")
         << "panel.take=1"
-        << "panel.take, object: a value of its type cannot be written here";
+        << "panel.take, object: a QObject* cannot be written here, only flags, numbers, texts, bytes and "
+           "lists: call this from a host of your own";
 }
 
 void tst_monitor_methodcall::refusesAndSaysWhatWouldBeRight()

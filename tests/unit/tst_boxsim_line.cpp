@@ -233,7 +233,9 @@ void TestBoxsimLine::saysWhyAPortCannotBeOpened()
     QString error;
 
     QVERIFY(!boxsim::openPort(m_link, 57600, &error));
-    QCOMPARE(error, QStringLiteral("cannot open %1: No such file or directory").arg(m_link));
+    QCOMPARE(error,
+             QStringLiteral("cannot open %1: No such file or directory: name a serial device with --port")
+                 .arg(m_link));
 }
 
 void TestBoxsimLine::talksOverAnyDeviceAsAPort()

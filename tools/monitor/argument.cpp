@@ -134,6 +134,15 @@ Outcome<QVariant> toTextList(const QString &text)
     return QVariant(QStringList(list->value<QList<QString>>()));
 }
 
+Failure noText(int type)
+{
+    const char *const name = QMetaType::typeName(type); // null for a type that is not registered
+    const QString typeText = name ? QString::fromLatin1(name) : QStringLiteral("value of an unknown type");
+    return {QStringLiteral("a %1 cannot be written here, only flags, numbers, texts, bytes and lists: call "
+                           "this from a host of your own")
+                .arg(typeText)};
+}
+
 /// Where an argument is being read: what is open around the next character.
 struct Nesting {
     bool inQuotes = false;
@@ -191,7 +200,7 @@ Outcome<QVariant> toArgument(const QString &text, int type)
         return toList<int>(text);
     if (type == qMetaTypeId<QList<bool>>())
         return toList<bool>(text);
-    return Failure {QStringLiteral("a value of its type cannot be written here")};
+    return noText(type);
 }
 
 } // namespace canbus::monitor

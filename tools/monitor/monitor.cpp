@@ -43,14 +43,14 @@ Targets allTargets(HostControls *host)
     };
 }
 
-/// Why a port does not open. Asked only after the library has failed to open it.
+/// Why a port does not open, and what to do about it. Asked only after the library has failed to open it.
 QString openError(const QString &device, int baud)
 {
     QSerialPort port(device);
     port.setBaudRate(baud);
     if (port.open(QIODevice::ReadWrite))
         return QStringLiteral("it was not free a moment ago: try again");
-    return port.errorString();
+    return QStringLiteral("%1: name the box's device with --port").arg(port.errorString());
 }
 
 } // namespace
