@@ -16,10 +16,18 @@ using canbus::GaugesButton;
 using canbus::ParkingButton;
 using canbus::VehicleButton;
 
+/// The bytes that the head unit's operations can send in a field.
+enum class Kind {
+    Byte,  // any
+    Flag,  // 0 or 1
+    Press, // 1: the control reports no release
+    Zero,  // 0
+};
+
 /// What the bytes of DATA behind a row's `head` are.
 struct Field {
     const char *name;
-    bool isFlag;
+    Kind kind;
 };
 
 using Fields = QVector<Field>;
@@ -38,31 +46,39 @@ QByteArray head(quint8 byte)
     return QByteArray(1, char(byte));
 }
 
+/// The head unit's general button command sends a release and a value of any button, also of the tap-only
+/// ones.
 Row climateRow(ClimateButton button, const char *name)
 {
-    static const Fields fields {{"press", true}, {"value", false}};
+    static const Fields fields {{"press", Kind::Flag}, {"value", Kind::Byte}};
     return {Command::ClimateButton, head(quint8(button)), name, fields, Action::ClimateButton};
 }
 
-Row buttonRow(Command tp, quint8 button, const char *name, Action action)
+Row gaugeRow(GaugesButton button, const char *name)
 {
-    static const Fields fields {{"press", true}};
+    static const Fields fields {{"press", Kind::Flag}};
+    return {Command::GaugesButton, head(quint8(button)), name, fields, Action::GaugesButton};
+}
+
+Row tapRow(Command tp, quint8 button, const char *name, Action action)
+{
+    static const Fields fields {{"press", Kind::Press}};
     return {tp, head(button), name, fields, action};
 }
 
-Row gaugesRow(GaugesButton button, const char *name)
+Row gaugesTapRow(GaugesButton button, const char *name)
 {
-    return buttonRow(Command::GaugesButton, quint8(button), name, Action::GaugesButton);
+    return tapRow(Command::GaugesButton, quint8(button), name, Action::GaugesButton);
 }
 
-Row vehicleRow(VehicleButton button, const char *name)
+Row vehicleTapRow(VehicleButton button, const char *name)
 {
-    return buttonRow(Command::VehicleButton, quint8(button), name, Action::VehicleButton);
+    return tapRow(Command::VehicleButton, quint8(button), name, Action::VehicleButton);
 }
 
-Row parkingRow(ParkingButton button, const char *name)
+Row parkingTapRow(ParkingButton button, const char *name)
 {
-    return buttonRow(Command::ParkingButton, quint8(button), name, Action::ParkingButton);
+    return tapRow(Command::ParkingButton, quint8(button), name, Action::ParkingButton);
 }
 
 Row requestRow(DataPage page, const char *name, Action action)
@@ -112,18 +128,18 @@ QVector<Row> climateRows()
 QVector<Row> otherButtonRows()
 {
     return {
-        gaugesRow(GaugesButton::Center, "gauges.Gauge1_CenterGauge"),
-        gaugesRow(GaugesButton::TopLeft, "gauges.Gauge2_TopLeft"),
-        gaugesRow(GaugesButton::TopRight, "gauges.Gauge3_TopRight"),
-        gaugesRow(GaugesButton::BottomLeft, "gauges.Gauge4_BottomLeft"),
-        gaugesRow(GaugesButton::BottomRight, "gauges.Gauge5_BottomRight"),
-        gaugesRow(GaugesButton::CustomControl1, "gauges.customControl1"),
-        gaugesRow(GaugesButton::CustomControl2, "gauges.customControl2"),
-        vehicleRow(VehicleButton::CheckEngine, "vehicle.checkEngine"),
-        vehicleRow(VehicleButton::CustomControl1, "vehicle.customControl1"),
-        vehicleRow(VehicleButton::CustomControl2, "vehicle.customControl2"),
-        parkingRow(ParkingButton::CustomControl1, "parking.customControl1"),
-        parkingRow(ParkingButton::CustomControl2, "parking.customControl2"),
+        gaugeRow(GaugesButton::Center, "gauges.Gauge1_CenterGauge"),
+        gaugeRow(GaugesButton::TopLeft, "gauges.Gauge2_TopLeft"),
+        gaugeRow(GaugesButton::TopRight, "gauges.Gauge3_TopRight"),
+        gaugeRow(GaugesButton::BottomLeft, "gauges.Gauge4_BottomLeft"),
+        gaugeRow(GaugesButton::BottomRight, "gauges.Gauge5_BottomRight"),
+        gaugesTapRow(GaugesButton::CustomControl1, "gauges.customControl1"),
+        gaugesTapRow(GaugesButton::CustomControl2, "gauges.customControl2"),
+        vehicleTapRow(VehicleButton::CheckEngine, "vehicle.checkEngine"),
+        vehicleTapRow(VehicleButton::CustomControl1, "vehicle.customControl1"),
+        vehicleTapRow(VehicleButton::CustomControl2, "vehicle.customControl2"),
+        parkingTapRow(ParkingButton::CustomControl1, "parking.customControl1"),
+        parkingTapRow(ParkingButton::CustomControl2, "parking.customControl2"),
     };
 }
 
@@ -135,15 +151,16 @@ QVector<Row> pageRows()
         requestRow(DataPage::Gauges, "gauges.requestGaugesInfo", Action::GaugesRequest),
         requestRow(DataPage::Vehicle, "vehicle.requestVehicleInfo", Action::VehicleRequest),
         requestRow(DataPage::ParkingAssist, "parking.requestParkInfo", Action::ParkingRequest),
-        {Command::Settings, {}, "settings", {{"value", false}}},
+        {Command::Settings, {}, "settings", {{"value", Kind::Zero}}},
     };
 }
 
 QVector<Row> linkAndPlayerRows()
 {
-    const Fields menu {{"menu", false}, {"item", false}, {"action", false}};
-    const Fields time {{"minute", false},     {"hour", false},      {"day", false},   {"month", false},
-                       {"yearFirst2", false}, {"yearLast2", false}, {"format", false}};
+    const Fields menu {{"menu", Kind::Byte}, {"item", Kind::Byte}, {"action", Kind::Byte}};
+    const Fields time {{"minute", Kind::Byte}, {"hour", Kind::Byte},       {"day", Kind::Byte},
+                       {"month", Kind::Byte},  {"yearFirst2", Kind::Byte}, {"yearLast2", Kind::Byte},
+                       {"format", Kind::Byte}};
     return {
         connectionRow(canbus::kConnectRequest, "connection.request", Action::ConnectRequest),
         connectionRow(canbus::kConnectionCheck, "connection.check", Action::ConnectionCheck),
@@ -158,10 +175,24 @@ const QVector<Row> &rows()
     return all;
 }
 
-/// A flag is 0 or 1 on the wire: any other byte is none.
-bool fits(const Field &field, quint8 byte)
+bool fits(Kind kind, quint8 byte)
 {
-    return !field.isFlag || byte <= 1;
+    switch (kind) {
+    case Kind::Byte:
+        return true;
+    case Kind::Flag:
+        return byte <= 1;
+    case Kind::Press:
+        return byte == 1;
+    case Kind::Zero:
+        return byte == 0;
+    }
+    return false;
+}
+
+bool isFlag(Kind kind)
+{
+    return kind == Kind::Flag || kind == Kind::Press;
 }
 
 bool matches(const Row &row, const WireFrame &frame)
@@ -170,7 +201,7 @@ bool matches(const Row &row, const WireFrame &frame)
         || frame.data.size() != row.head.size() + row.fields.size())
         return false;
     for (int i = 0; i < row.fields.size(); ++i) {
-        if (!fits(row.fields.at(i), quint8(frame.data.at(row.head.size() + i))))
+        if (!fits(row.fields.at(i).kind, quint8(frame.data.at(row.head.size() + i))))
             return false;
     }
     return true;
@@ -205,7 +236,7 @@ DecodedCommand named(const Row &row, const WireFrame &frame)
     for (int i = 0; i < row.fields.size(); ++i) {
         const Field &field = row.fields.at(i);
         const quint8 byte = quint8(frame.data.at(row.head.size() + i));
-        const QVariant value = field.isFlag ? QVariant(byte != 0) : QVariant(int(byte));
+        const QVariant value = isFlag(field.kind) ? QVariant(byte != 0) : QVariant(int(byte));
         command.arguments.append({QString::fromLatin1(field.name), value});
     }
     return command;

@@ -81,6 +81,7 @@ void TestBoxsimCommands::namesEachClimateButton_data()
     row("climate.rearDefroster press=true value=0", "9f 02 21 93 00 15 01 00 a6 9f 03");
     row("climate.customControl1 press=true value=0", "9f 02 21 93 00 16 01 00 a5 9f 03");
     row("climate.customControl2 press=true value=0", "9f 02 21 93 00 17 01 00 a4 9f 03");
+    row("climate.customControl2 press=false value=7", "9f 02 21 93 00 17 00 07 a2 9f 03");
     row("climate.heatedSteerWheel press=true value=0", "9f 02 21 93 00 18 01 00 ab 9f 03");
     row("climate.fanSpeedUp press=true value=0", "9f 02 21 93 00 19 01 00 aa 9f 03");
     row("climate.fanSpeedDown press=false value=0", "9f 02 21 93 00 1a 00 00 a8 9f 03");
@@ -102,7 +103,6 @@ void TestBoxsimCommands::namesTheOtherCommands_data()
     row("parking.requestParkInfo", "9f 02 21 97 00 04 b2 9f 03");
     row("settings value=0", "9f 02 21 92 00 00 b3 9f 03");
     row("climate.settings value=0", "9f 02 50 92 00 00 c2 9f 03");
-    row("climate.settings value=7", "9f 02 57 92 00 07 c2 9f 03");
     row("gauges.settings value=0", "9f 02 5f 92 00 00 cd 9f 03");
     row("vehicle.settings value=0", "9f 02 60 92 00 00 f2 9f 03");
     row("parking.settings value=0", "9f 02 6b 92 00 00 f9 9f 03");
@@ -140,6 +140,16 @@ void TestBoxsimCommands::saysWhenACommandIsUnknown_data()
     row("unknown tp=93 mod=00 data=120200", "9f 02 21 93 00 12 02 00 a2 9f 03");
     row("unknown tp=97 mod=00 data=05", "9f 02 21 97 00 05 b3 9f 03");
     row("unknown tp=01 mod=00 data=0002", "9f 02 21 01 00 00 02 22 9f 03");
+    row("unknown tp=94 mod=00 data=0600", "9f 02 23 94 00 06 00 b1 9f 03");
+    row("unknown tp=94 mod=00 data=0700", "9f 02 23 94 00 07 00 b0 9f 03");
+    row("unknown tp=94 mod=00 data=0602", "9f 02 23 94 00 06 02 b3 9f 03");
+    row("unknown tp=95 mod=00 data=0100", "9f 02 23 95 00 01 00 b7 9f 03");
+    row("unknown tp=95 mod=00 data=0200", "9f 02 23 95 00 02 00 b4 9f 03");
+    row("unknown tp=95 mod=00 data=0300", "9f 02 23 95 00 03 00 b5 9f 03");
+    row("unknown tp=96 mod=00 data=0100", "9f 02 23 96 00 01 00 b4 9f 03");
+    row("unknown tp=96 mod=00 data=0200", "9f 02 23 96 00 02 00 b7 9f 03");
+    row("unknown tp=92 mod=00 data=01", "9f 02 50 92 00 01 c3 9f 03");
+    row("unknown tp=92 mod=00 data=07", "9f 02 57 92 00 07 c2 9f 03");
     row("unknown tp=92 mod=00 data=", "9f 02 21 92 00 b3 9f 03");
     row("unknown tp=9f mod=9f data=07", "9f 02 21 9f9f 9f9f 07 26 9f 03");
 }
