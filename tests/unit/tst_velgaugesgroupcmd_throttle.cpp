@@ -38,6 +38,7 @@ private Q_SLOTS:
     void announcesASecondChangeWhenTheTimeIsOut();
     void announcesTheLatestOfSeveralChanges();
     void isNotHeldUpByFurtherChanges();
+    void throttlesAChangeFromWithinAnAnnouncement();
     void announcesAtOnceAgainAfterTheTime();
     void announcesNothingForTheSameItems();
     void announcesAShiftThatIsBackAgain();
@@ -144,6 +145,22 @@ void VelGaugesGroupCmdThrottleTest::isNotHeldUpByFurtherChanges()
     group.handleGaugeShift(0);
     VirtualTime::advance(1);
     QCOMPARE(heard.take(), throttled("[]", "[]", "false"));
+}
+
+void VelGaugesGroupCmdThrottleTest::throttlesAChangeFromWithinAnAnnouncement()
+{
+    VelGaugesGroupCmd group;
+    Announcements heard(&group);
+    connect(&group, &VelGaugesGroupCmd::updateGaugeValue, &group,
+            [&group] { group.handleGaugeValue(bytes("00 06 00 00 0007 0008 0009 000a")); });
+    group.handleGaugeValue(bytes("00 01 00 00 0002 0003 0004 0005"));
+    QCOMPARE(heard.take(), throttled("[]", "[1, 2, 3, 4, 5]", "false"));
+    VirtualTime::advance(299);
+    QCOMPARE(heard.take(), QStringList());
+    VirtualTime::advance(1);
+    QCOMPARE(heard.take(), throttled("[]", "[6, 7, 8, 9, 10]", "false"));
+    VirtualTime::advance(3000);
+    QCOMPARE(heard.take(), QStringList());
 }
 
 void VelGaugesGroupCmdThrottleTest::announcesAtOnceAgainAfterTheTime()
