@@ -80,6 +80,9 @@ private Q_SLOTS:
     void fillsInTheArgumentsThatAreLeftOut();
     void takesTheFirstByteOfTheId();
     void takesTheIdOfTheLastFrame();
+    void isOneObject();
+    void logsBeforeItSends_data();
+    void logsBeforeItSends();
     void logsAButton();
     void logsTheIdOfAButtonAsHexadecimalText();
     void logsARequestWithTheIdAsHexadecimalText();
@@ -312,6 +315,37 @@ void TestClimateControls::takesTheIdOfTheLastFrame()
     QCOMPARE(sent.frames(),
              (QList<QByteArray> {bytes("9f 02 21 93 00 12 01 00 a1 9f 03"),
                                  bytes("9f 02 22 93 00 12 01 00 a2 9f 03")}));
+}
+
+void TestClimateControls::isOneObject()
+{
+    QVERIFY(VelClimateGroupCmd::instance());
+    QCOMPARE(VelClimateGroupCmd::instance(), VelClimateGroupCmd::instance());
+    QCOMPARE(VelClimateGroupCmd::instance()->parent(), nullptr);
+}
+
+void TestClimateControls::logsBeforeItSends_data()
+{
+    QTest::addColumn<QByteArray>("control");
+    QTest::addColumn<QStringList>("expected");
+    QTest::newRow("a button") << QByteArray("acBtn") << QStringList {"21", "a1", "9f02219300120100a19f03"};
+    QTest::newRow("the request") << QByteArray("requestClimateInfo")
+                                 << QStringList {"21", "b7", "9f0221970001b79f03"};
+    QTest::newRow("the settings") << QByteArray("settings")
+                                  << QStringList {"\"!\"", "b3", "9f0221920000b39f03"};
+}
+
+void TestClimateControls::logsBeforeItSends()
+{
+    QFETCH(QByteArray, control);
+    LogRecorder log;
+    QStringList before;
+    const auto connection = connect(CanBusPlayer::instance(), &CanBusPlayer::sendCmdData,
+                                    [&] { before = log.messages("[DBG]"); });
+    QVERIFY(QMetaObject::invokeMethod(group(), control.constData()));
+    disconnect(connection);
+    QTEST(before, "expected");
+    QTEST(log.messages("[DBG]"), "expected");
 }
 
 void TestClimateControls::logsAButton()
