@@ -23,8 +23,10 @@ class CANBUS_EXPORT VelClimateGroupCmd : public QObject {
     Q_OBJECT
 
 public:
+    /// The group that the facade hands the box's reports to.
     static VelClimateGroupCmd *instance();
 
+    /// A further group, which the facade hands no reports.
     explicit VelClimateGroupCmd(QObject *parent = nullptr);
 
     // The three kinds of report, each with its whole payload. A payload that is too short is logged as an
@@ -39,22 +41,35 @@ public:
 
     // The items of the climate state: from the whole payload, or from the value or byte that holds them.
 
+    /// Button states, bytes 4, 5 and 9 to 13.
     void onClimateBtnStatus(QByteArray data);
+    /// Main zone: temperature, bytes 0 and 1, and unit, byte 4.
     void onClimateMainTemp(QByteArray data);
+    /// Second zone: temperature, bytes 2 and 3, and unit, byte 4.
     void onClimateSecondTemp(QByteArray data);
+    /// Levels of the heated seats, byte 6.
     void onClimateHeatSeat(QByteArray data);
+    /// Levels of the cooled seats, byte 7.
     void onClimateCoolSeat(QByteArray data);
+    /// Automatic fan direction, 0..255.
     void onClimateFanDirectValue(int value);
+    /// State of the fan speed, byte 9.
     void onClimateFanSpeedStatus(QByteArray data);
+    /// Vent position, byte 10.
     void onClimateVentPosition(QByteArray data);
+    /// Manual fan direction, byte 12.
     void onClimateFanDirect(QByteArray data);
+    /// Manual temperature, 0..255.
     void onClimateManualTempValue(int value);
+    /// Whether the system is on, bit 4.
     void onClimateSystem(char byte);
+    /// Driver's seat position, bit 5.
     void onClimateDriverSeatPosition(char byte);
 
 Q_SIGNALS:
     /// Screen type, 0..255.
     void updateClimateType(int Type);
+    /// Screen title, cleaned of bytes that are no UTF-8.
     void updateClimateTopText(QString TopText);
     /// Custom labels. An empty list is announced each time it arrives.
     void updateClimateComText(QStringList Text);
@@ -80,6 +95,7 @@ Q_SIGNALS:
     void updateClimateManualTempValue(int value);
     /// Whether the climate system is on.
     void updateClimateSystem(bool state);
+    /// Flag of the driver's seat position.
     void updateClimateDriverSeatPos(bool pos);
 
 public Q_SLOTS:
@@ -98,33 +114,61 @@ public Q_SLOTS:
     // Buttons with an argument `isPress` report press (true) and release (false); those without send a press
     // alone. `value` is one byte, 0..255, passed on as it came.
 
+    /// Climate system on or off.
     void onOff();
+    /// Rear zone.
     void rearZone(bool isPress);
+    /// Automatic climate, main zone: temperature up.
     void autoMainZoneTempPlus(bool isPress);
+    /// Automatic climate, main zone: temperature down.
     void autoMainZoneTempMinus(bool isPress);
+    /// Automatic climate, second zone: temperature up.
     void autoSecondZoneTempPlus(bool isPress);
+    /// Automatic climate, second zone: temperature down.
     void autoSecondZoneTempMinus(bool isPress);
+    /// Manual climate, main zone: temperature up.
     void manualMainZoneTempUp(bool isPress);
+    /// Manual climate, main zone: temperature down.
     void manualMainZoneTempDown(bool isPress);
+    /// Left heated seat.
     void leftHeatedSeat();
+    /// Right heated seat.
     void rightHeatedSeat();
+    /// Left cooled seat.
     void leftCooledSeat();
+    /// Right cooled seat.
     void rightCooledSeat();
+    /// Automatic fan direction.
     void autoFanDirectValue(char value);
+    /// Automatic climate.
     void autoBtn();
+    /// Vent position.
     void ventPos();
+    /// Recirculated or fresh air.
     void recircFresh();
+    /// Two zones.
     void dualBtn();
+    /// Air conditioning.
     void acBtn();
+    /// Air conditioning at its maximum.
     void maxACBtn();
+    /// Front defroster.
     void frontDefroster();
+    /// Rear defroster.
     void rearDefroster();
+    /// First custom control.
     void customControl1();
+    /// Second custom control.
     void customControl2();
+    /// Heated steering wheel.
     void heatedSteerWheel();
+    /// Fan speed up.
     void fanSpeedUp(bool isPress);
+    /// Fan speed down.
     void fanSpeedDown(bool isPress);
+    /// Manual temperature.
     void manualTemp(char value);
+    /// Manual fan speed.
     void manualFanSpeed(char value);
 
 private:

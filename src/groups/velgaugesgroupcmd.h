@@ -28,8 +28,10 @@ class CANBUS_EXPORT VelGaugesGroupCmd : public QObject {
     Q_OBJECT
 
 public:
+    /// The group that the facade hands the box's reports to.
     static VelGaugesGroupCmd *instance();
 
+    /// A further group, which the facade hands no reports.
     explicit VelGaugesGroupCmd(QObject *parent = nullptr);
 
     // The kinds of report, each with its whole payload. A payload that is too short is logged as an error and
@@ -50,23 +52,35 @@ public:
 
     // The items of the gauges' state: from the whole payload, or from the byte that holds them.
 
+    /// Format flags, bits 1 to 5.
     void handleGaugeFormat(char byte);
+    /// Shift flag, bit 0. Announced throttled.
     void handleGaugeShift(char byte);
+    /// Peak colour, byte 3.
     void handleGaugePeakColorState(QByteArray data);
+    /// States of the custom labels, bytes 2 and 3.
     void handleGaugeComLabelsState(QByteArray data);
+    /// Zero positions, bytes 0, 4, 6, 8 and 10.
     void handleGaugeZeroPos(QByteArray data);
+    /// Values, bytes 1, 5, 7, 9 and 11. Announced throttled.
     void handleGaugeValue(QByteArray data);
+    /// Texts of the values, from byte 12 on. Announced throttled.
     void handleGaugeValueText(QByteArray data);
 
 Q_SIGNALS:
     /// Four flags by the keys 0..3. Emitted with every type report, changed or not.
     void updateGaugeType(QMap<int, bool> m_list);
+    /// Screen title, cleaned of bytes that are no UTF-8. An empty one is announced each time it arrives.
     void updateGaugeTopText(QString TopText);
+    /// Custom labels. An empty list is announced each time it arrives.
     void updateGaugeComText(QStringList Text);
     /// Up to eleven entries: one of two characters, ten of three.
     void updateGaugeScale(QStringList scale);
+    /// Texts of the centre gauge. An empty list is announced each time it arrives.
     void updateGaugeCenterText(QStringList CenterText);
+    /// Texts of the gauges top left and top right. An empty list is announced each time it arrives.
     void updateGaugeTopLRText(QStringList TopLRText);
+    /// Texts of the gauges bottom left and bottom right. An empty list is announced each time it arrives.
     void updateGaugeBottomLRText(QStringList BottomLRText);
     /// State 0..6, -1 before the first.
     void updateGaugePeakColorState(int color);
@@ -76,7 +90,9 @@ Q_SIGNALS:
     void updateGaugeZeroPos(QList<int>);
     /// Values of the five gauges, 0..255.
     void updateGaugeValue(QList<int>);
+    /// Texts of the values. Throttled.
     void updateGaugeValueText(QStringList);
+    /// Shift flag. Throttled.
     void updateGaugeShift(bool Shift);
     /// Format flags of the five gauges.
     void updateGaugeFormat(QList<bool>);
@@ -92,12 +108,19 @@ public Q_SLOTS:
     /// Asks the box to open its settings.
     void settings();
     // The gauges report press (true) and release (false), the custom controls a press alone.
+    /// Centre gauge.
     void Gauge1_CenterGauge(bool isPress);
+    /// Gauge top left.
     void Gauge2_TopLeft(bool isPress);
+    /// Gauge top right.
     void Gauge3_TopRight(bool isPress);
+    /// Gauge bottom left.
     void Gauge4_BottomLeft(bool isPress);
+    /// Gauge bottom right.
     void Gauge5_BottomRight(bool isPress);
+    /// First custom control.
     void customControl1();
+    /// Second custom control.
     void customControl2();
 
 private:

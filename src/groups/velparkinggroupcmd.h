@@ -24,8 +24,10 @@ class CANBUS_EXPORT VelParkingGroupCmd : public QObject {
     Q_OBJECT
 
 public:
+    /// The group that the facade hands the box's reports to.
     static VelParkingGroupCmd *instance();
 
+    /// A further group, which the facade hands no reports.
     explicit VelParkingGroupCmd(QObject *parent = nullptr);
 
     // The kinds of report, each with its whole payload. A payload that is too short is logged as an error and
@@ -40,21 +42,31 @@ public:
 
     // The items of the parking data. Distances of the zones 1 to 4 of one side, 0..255.
 
+    /// Distances at the front.
     void onParkDistanceSensorFront(int zone1, int zone2, int zone3, int zone4);
+    /// Distances at the rear.
     void onParkDistanceSensorRear(int zone1, int zone2, int zone3, int zone4);
+    /// Distances on the left.
     void onParkDistanceSensorLeft(int zone1, int zone2, int zone3, int zone4);
+    /// Distances on the right.
     void onParkDistanceSensorRight(int zone1, int zone2, int zone3, int zone4);
+    /// States of the custom labels, byte 16.
     void onParkDistanceComLabelsState(QByteArray data);
+    /// Flags of the sensors, bits 4 to 7 of byte 16.
     void onParkDistanceSensorStatus(char byte);
 
 Q_SIGNALS:
+    /// Screen title, cleaned of bytes that are no UTF-8. An empty one is announced each time it arrives.
     void updateParkTopText(QString TopText);
     /// Custom labels. An empty list is announced each time it arrives.
     void updateParkComText(QStringList Text);
-    /// Distances of four zones, 0..255 each.
+    /// Distances of four zones at the front, 0..255 each.
     void updateParkSensorFront(QList<int> m_list);
+    /// Likewise at the rear.
     void updateParkSensorRear(QList<int> m_list);
+    /// Likewise on the left.
     void updateParkSensorLeft(QList<int> m_list);
+    /// Likewise on the right.
     void updateParkSensorRight(QList<int> m_list);
     /// States 0..3.
     void updateParkComLabelsState(int state1, int state2);
@@ -69,7 +81,9 @@ public Q_SLOTS:
     /// Asks the box to open its settings.
     void settings();
     // The custom controls report a press alone.
+    /// First custom control.
     void customControl1();
+    /// Second custom control.
     void customControl2();
 
 private:

@@ -25,8 +25,10 @@ class CANBUS_EXPORT VelVehicleGroupCmd : public QObject {
     Q_OBJECT
 
 public:
+    /// The group that the facade hands the box's reports to.
     static VelVehicleGroupCmd *instance();
 
+    /// A further group, which the facade hands no reports.
     explicit VelVehicleGroupCmd(QObject *parent = nullptr);
 
     // The kinds of report, each with its whole payload. A payload that is too short is logged as an error and
@@ -41,23 +43,35 @@ public:
 
     // The items of the vehicle's state: from the byte that holds them, or from the whole payload.
 
+    /// Doors, bits 0 to 3 of byte 0.
     void onVehicleDoorStatus(char byte);
+    /// Hood, bit 4 of byte 0.
     void onVehicleHoodStatus(char byte);
+    /// Trunk, bit 5 of byte 0.
     void onVehicleTrunkStatus(char byte);
+    /// Battery, bit 2 of byte 2.
     void onVehicleBatteryStatus(char byte);
+    /// States of the tires, byte 1.
     void onVehicleTire(QByteArray data);
+    /// State of the check-engine lamp, byte 2.
     void onVehicleCheckEngineState(QByteArray data);
+    /// States of the custom labels, byte 2.
     void onVehicleComLabelsState(QByteArray data);
+    /// Texts of the tires, from byte 3 on.
     void onVehicleTireText(QByteArray data);
 
 Q_SIGNALS:
+    /// Screen title, cleaned of bytes that are no UTF-8. An empty one is announced each time it arrives.
     void updateVehicleTopText(QString TopText);
     /// Custom labels. An empty list is announced each time it arrives.
     void updateVehicleComText(QStringList Text);
     /// Four flags.
     void updateVehicleDoorStatus(QList<bool> m_list);
+    /// Flag of the hood.
     void updateVehicleHoodk(bool hood);
+    /// Flag of the trunk.
     void updateVehicleTrunk(bool trunk);
+    /// Flag of the battery.
     void updateVehicleBattery(bool battery);
     /// Four states 0..3.
     void updateVehicleTire(QList<int>);
@@ -65,6 +79,7 @@ Q_SIGNALS:
     void updateVehicleCheckEngineState(int state);
     /// States 0..3, -1 before the first.
     void updateVehicleComLabelsState(int state1, int state2);
+    /// Texts of the tires, 300 ms after they change. An empty list counts as a change each time it arrives.
     void updateVehicleTireText(QStringList);
 
 public Q_SLOTS:
@@ -75,8 +90,11 @@ public Q_SLOTS:
     /// Asks the box to open its settings.
     void settings();
     // The buttons report a press alone.
+    /// Check-engine button.
     void checkEngine();
+    /// First custom control.
     void customControl1();
+    /// Second custom control.
     void customControl2();
     /// Announces the tire texts.
     void onTimerOut();
