@@ -237,7 +237,8 @@ void Box::post(int category, int selector)
 {
     if (!m_linkUp)
         return;
-    for (const CategoryFrame &frame : framesOf(m_car)) {
+    const QVector<CategoryFrame> frames = framesOf(m_car);
+    for (const CategoryFrame &frame : frames) {
         if ((category == kAny || category == frame.tp) && (selector == kAny || selector == frame.mod))
             m_sender.post(frame.tp, frame.mod, frame.payload);
     }

@@ -14,8 +14,8 @@ QByteArray toLine(const Event &event);
 /// `{"t":1.234,"event":"command","name":"climate.acBtn","press":true,"value":0,"id":33,"bytes":"9f02..."}`.
 ///
 /// `event` is command, ack, nack, badFrame, resend, giveUp, linkUp, linkDown or silent; `t` is in seconds.
-/// `id`, `category` (whose id a command carries), `repeated` and `acknowledged` (only when true), `reason` and `bytes` stand
-/// where there is something to say.
+/// `id`, `category` (whose id a command carries), `repeated` and `acknowledged` (only when true), `reason`
+/// and `bytes` stand where there is something to say.
 QByteArray toJson(const Event &event);
 
 } // namespace boxsim
