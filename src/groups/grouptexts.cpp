@@ -21,6 +21,21 @@ bool takeTexts(const logging::Origin &origin, QStringList &stored, const QByteAr
     return true;
 }
 
+bool takeTitle(const logging::Origin &origin, QString &stored, const QByteArray &data)
+{
+    if (data.isEmpty()) {
+        CANBUS_ERROR_AT(origin) << "data is error";
+        return false;
+    }
+    CANBUS_DEBUG_AT(origin) << data;
+    // Compared raw but stored cleaned: a title that cleaning alters is announced on every repetition.
+    if (!replaceIfChangedOrEmpty(stored, textUpToZero(data)))
+        return false;
+    removeReplacementCharacters(stored);
+    CANBUS_DEBUG_AT(origin) << stored;
+    return true;
+}
+
 QStringList textsIn(const QByteArray &data)
 {
     QStringList texts;

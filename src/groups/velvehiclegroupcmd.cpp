@@ -5,7 +5,6 @@
 #include "grouptexts.h"
 #include "support/bytes.h"
 #include "support/changerule.h"
-#include "support/text.h"
 
 namespace canbus {
 
@@ -33,17 +32,8 @@ VelVehicleGroupCmd::VelVehicleGroupCmd(QObject *parent)
 
 void VelVehicleGroupCmd::onVehicleTopText(QByteArray data)
 {
-    if (data.isEmpty()) {
-        CANBUS_ERROR() << "data is error";
-        return;
-    }
-    CANBUS_DEBUG() << data;
-    // Compared raw but stored cleaned: a title that cleaning alters is announced on every repetition.
-    if (replaceIfChangedOrEmpty(m_topText, textUpToZero(data))) {
-        removeReplacementCharacters(m_topText);
-        CANBUS_DEBUG() << m_topText;
+    if (takeTitle(CANBUS_HERE, m_topText, data))
         Q_EMIT updateVehicleTopText(m_topText);
-    }
 }
 
 void VelVehicleGroupCmd::onVehicleCustomLabel(QByteArray data)
