@@ -16,8 +16,8 @@ public:
     static DateTimeManager *instance();
 
     /// The date and time now.
-    /// @param spec  the time specification of the result: the same moment, told as local time or as UTC
-    QDateTime currentDateTime(Qt::TimeSpec spec = Qt::LocalTime) const;
+    /// @param timeSpec  the time specification of the result: the same moment, told as local time or as UTC
+    QDateTime currentDateTime(Qt::TimeSpec timeSpec = Qt::LocalTime) const;
 
     /// Stops the clock at a moment, for tests. Added by the reference host.
     /// @param fixed  what currentDateTime() tells from now on; an invalid one returns to the real clock

@@ -8,10 +8,10 @@ DateTimeManager *DateTimeManager::instance()
     return &manager;
 }
 
-QDateTime DateTimeManager::currentDateTime(Qt::TimeSpec spec) const
+QDateTime DateTimeManager::currentDateTime(Qt::TimeSpec timeSpec) const
 {
     const QDateTime now = m_fixed.isValid() ? m_fixed : QDateTime::currentDateTime();
-    return now.toTimeSpec(spec);
+    return now.toTimeSpec(timeSpec);
 }
 
 void DateTimeManager::setCurrentDateTime(const QDateTime &fixed)
