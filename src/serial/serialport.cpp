@@ -7,7 +7,10 @@
 #include <QtCore/QSocketNotifier>
 #include <QtSerialPort/QSerialPort>
 
+#include <cerrno>
+
 #include <poll.h>
+#include <unistd.h>
 
 namespace canbus {
 
@@ -21,10 +24,9 @@ QString notConnected()
     return QStringLiteral("not connected");
 }
 
-bool isHungUp(int descriptor)
+QList<QSocketNotifier *> notifiersOf(const QSerialPort *port)
 {
-    pollfd line {descriptor, POLLIN, 0};
-    return ::poll(&line, 1, 0) > 0 && (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
+    return port->findChildren<QSocketNotifier *>();
 }
 
 } // namespace
@@ -91,13 +93,21 @@ void SerialPort::handleError()
     if (code == QSerialPort::NoError)
         return;
     CANBUS_ERROR() << code;
-    if (!isLineLost(code))
+    if (code != QSerialPort::ResourceError && code != QSerialPort::ReadError)
         return;
-    goSilent();
-    // Once for each connection to this slot, however often the port repeats itself.
-    if (m_reportedLosses == m_opens)
+    const LineState state = examineLine();
+    if (state == LineState::Lost)
+        goSilent();
+    else
+        goOnListening();
+    // A loss is reported once for each connection to this slot, however often the port repeats itself.
+    const bool isReported = state == LineState::Lost
+        ? m_reportedLosses < m_opens
+        : state == LineState::Readable && code == QSerialPort::ResourceError;
+    if (!isReported)
         return;
-    ++m_reportedLosses;
+    if (state == LineState::Lost)
+        ++m_reportedLosses;
     Q_EMIT error(m_port->portName(), QSerialPort::ResourceError, m_port->errorString());
 }
 
@@ -128,6 +138,11 @@ void SerialPort::onReadyRead()
         CANBUS_DEBUG() << "buf is empty.";
         return;
     }
+    deliver(data);
+}
+
+void SerialPort::deliver(const QByteArray &data)
+{
     {
         CanBusReadBuff *const buffer = CanBusReadBuff::instance();
         QMutexLocker lock(&buffer->mutex);
@@ -153,20 +168,42 @@ void SerialPort::write(const char *bytes, int size, const logging::Origin &origi
         Q_EMIT error(m_port->portName(), m_port->error(), m_port->errorString());
 }
 
-bool SerialPort::isLineLost(int errorCode) const
+/// What the line itself says after a failed read. The port's word alone will not do: a hung-up line reads as
+/// end of file, which the port takes for one failed read after another; and a read that finds nothing,
+/// because a write has meanwhile waited on the same line and taken the bytes, fails with whatever error the
+/// thread had last.
+SerialPort::LineState SerialPort::examineLine()
 {
-    if (errorCode == QSerialPort::ResourceError)
-        return true;
-    // A hung-up line reads as end of file, which the port takes for one failed read after another.
-    return errorCode == QSerialPort::ReadError && isHungUp(m_port->handle());
+    if (!m_port->isOpen())
+        return LineState::Readable; // nothing to lose: it is a failure to open
+    pollfd line {m_port->handle(), POLLIN, 0};
+    if (::poll(&line, 1, 0) <= 0)
+        return LineState::Quiet;
+    if ((line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
+        return LineState::Lost;
+    char bytes[256];
+    const ssize_t size = ::read(line.fd, bytes, sizeof bytes);
+    if (size > 0)
+        deliver(m_port->readAll() + QByteArray(bytes, int(size)));
+    // Readable, but nothing to be read: the end of the file.
+    const bool hasEnded = size == 0 || (size < 0 && errno != EAGAIN && errno != EINTR);
+    return hasEnded ? LineState::Lost : LineState::Readable;
+}
+
+void SerialPort::goOnListening()
+{
+    // After a resource error the port has stopped listening by itself.
+    for (QSocketNotifier *notifier : notifiersOf(m_port)) {
+        if (notifier->type() == QSocketNotifier::Read)
+            notifier->setEnabled(true);
+    }
 }
 
 void SerialPort::goSilent()
 {
-    m_lost = m_port->isOpen();
+    m_lost = true;
     // Left to itself the port would find the dead line readable for ever, at the cost of a whole core.
-    const auto notifiers = m_port->findChildren<QSocketNotifier *>();
-    for (QSocketNotifier *notifier : notifiers)
+    for (QSocketNotifier *notifier : notifiersOf(m_port))
         notifier->setEnabled(false);
 }
 

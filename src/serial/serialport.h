@@ -74,8 +74,16 @@ private Q_SLOTS:
     void onReadyRead();
 
 private:
+    enum class LineState {
+        Quiet, ///< nothing to read, and nothing wrong
+        Readable,
+        Lost,
+    };
+
     void write(const char *bytes, int size, const logging::Origin &origin);
-    bool isLineLost(int errorCode) const;
+    void deliver(const QByteArray &data);
+    LineState examineLine();
+    void goOnListening();
     void goSilent();
 
     QSerialPort *m_port;

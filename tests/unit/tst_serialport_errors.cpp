@@ -17,6 +17,7 @@ std::atomic<int> g_failingDescriptor {-1};
 std::atomic<int> g_errorNumber {0};
 std::atomic<int> g_failuresLeft {0};
 std::atomic<int> g_failures {0};
+std::atomic<int> g_emptyReadsLeft {0};
 
 /// Lets the next reads of the port's descriptor fail.
 void failReads(const RecordedPort &it, int errorNumber, int times)
@@ -24,6 +25,14 @@ void failReads(const RecordedPort &it, int errorNumber, int times)
     g_errorNumber = errorNumber;
     g_failuresLeft = times;
     g_failures = 0;
+    g_failingDescriptor = it.inner()->handle();
+}
+
+/// Lets the next read take what there is and say that it has found nothing.
+void findNothing(const RecordedPort &it, int errorNumber)
+{
+    g_errorNumber = errorNumber;
+    g_emptyReadsLeft = 1;
     g_failingDescriptor = it.inner()->handle();
 }
 
@@ -41,7 +50,13 @@ extern "C" ssize_t read(int descriptor, void *block, size_t size)
         errno = g_errorNumber;
         return -1;
     }
-    return ::syscall(SYS_read, descriptor, block, size);
+    const ssize_t count = ::syscall(SYS_read, descriptor, block, size);
+    if (descriptor == g_failingDescriptor && g_emptyReadsLeft > 0) {
+        --g_emptyReadsLeft;
+        errno = g_errorNumber;
+        return 0;
+    }
+    return count;
 }
 
 class TestSerialPortErrors : public QObject {
@@ -54,12 +69,17 @@ private Q_SLOTS:
     void reportsAResourceErrorOnceForEachOpen();
     void keepsThePortOpenAfterAResourceError();
     void readsAgainWhenReopened();
+    void listensOnAfterAFalseAlarm_data();
+    void listensOnAfterAFalseAlarm();
+    void reportsAResourceErrorOfALineThatCanBeRead();
     void onlyLogsAnotherError();
 };
 
 void TestSerialPortErrors::cleanup()
 {
     g_failingDescriptor = -1;
+    g_failuresLeft = 0;
+    g_emptyReadsLeft = 0;
 }
 
 void TestSerialPortErrors::reportsAResourceErrorOnce()
@@ -125,6 +145,49 @@ void TestSerialPortErrors::readsAgainWhenReopened()
     it.port.writeData(bytes("9f 06"));
     QTRY_COMPARE(line.received(), bytes("9f 06"));
     QCOMPARE(it.error.size(), 1);
+}
+
+void TestSerialPortErrors::listensOnAfterAFalseAlarm_data()
+{
+    QTest::addColumn<int>("errorNumber");
+    QTest::addColumn<QString>("logged");
+    // What the thread had last, when a read finds nothing.
+    QTest::newRow("after a failed call that would have waited") << EAGAIN << "9";
+    QTest::newRow("after some other failed call") << ENOTTY << "8";
+}
+
+void TestSerialPortErrors::listensOnAfterAFalseAlarm()
+{
+    QFETCH(int, errorNumber);
+    QFETCH(QString, logged);
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    findNothing(it, errorNumber);
+    QVERIFY(line.send(bytes("01")));
+    QTRY_COMPARE(log.messages("[ERR]"), QStringList {logged});
+    QCOMPARE(it.error.size(), 0);
+    QVERIFY(line.send(bytes("02 03")));
+    QTRY_VERIFY(!it.read.isEmpty());
+    QCOMPARE(it.read.last().at(0).toByteArray(), bytes("02 03"));
+    it.port.writeData(bytes("04"));
+    QTRY_COMPARE(line.received(), bytes("04"));
+}
+
+void TestSerialPortErrors::reportsAResourceErrorOfALineThatCanBeRead()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    failReads(it, EIO, 1);
+    QVERIFY(line.send(bytes("01 02")));
+    QTRY_COMPARE(it.error.size(), 1);
+    QCOMPARE(it.error.at(0).at(1).toInt(), 9);
+    QTRY_COMPARE(it.read.size(), 1);
+    QCOMPARE(it.read.at(0).at(0).toByteArray(), bytes("01 02"));
+    QVERIFY(line.send(bytes("03")));
+    QTRY_COMPARE(it.read.size(), 2);
 }
 
 void TestSerialPortErrors::onlyLogsAnotherError()
