@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 using boxsim::BoxOptions;
@@ -66,6 +67,7 @@ private Q_SLOTS:
     void linksToAPseudoTerminal();
     void passesEveryByteBothWays();
     void outlivesHeadUnitsThatComeAndGo();
+    void letsTheNextHeadUnitIn();
     void losesWhatNobodyReads();
     void replacesALinkThatLeadsNowhere();
     void replacesALinkToAPseudoTerminal();
@@ -143,6 +145,22 @@ void TestBoxsimLine::outlivesHeadUnitsThatComeAndGo()
         QTRY_COMPARE_WITH_TIMEOUT(arrived.size(), 2 * i, 30000);
     }
     QCOMPARE(failed.size(), 0);
+}
+
+void TestBoxsimLine::letsTheNextHeadUnitIn()
+{
+    const auto line = open();
+    QVERIFY(line);
+    const int headUnit = ::open(m_link.toLocal8Bit().constData(), O_RDWR | O_NOCTTY);
+    QVERIFY(headUnit >= 0);
+    // As a head unit does, which never takes it back.
+    QCOMPARE(::ioctl(headUnit, TIOCEXCL), 0);
+    const auto isExclusive = [headUnit] {
+        int exclusive = -1;
+        return ::ioctl(headUnit, TIOCGEXCL, &exclusive) != 0 || exclusive != 0;
+    };
+    QTRY_VERIFY(!isExclusive());
+    ::close(headUnit);
 }
 
 void TestBoxsimLine::losesWhatNobodyReads()

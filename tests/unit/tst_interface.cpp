@@ -61,6 +61,7 @@ class TestInterface : public QObject {
 
 private Q_SLOTS:
     void namesItsClasses();
+    void theRestHasNeitherSignalsNorSlots();
     void serialPort();
     void serialPortKeepsReadingToItself();
     void canbusProtocol();
@@ -86,6 +87,18 @@ void TestInterface::namesItsClasses()
           &CanBusPlayer::staticMetaObject, &VelClimateGroupCmd::staticMetaObject})
         QCOMPARE(type->superClass(), &QObject::staticMetaObject);
     QCOMPARE(VelCanBusProtocol::staticMetaObject.superClass(), &CanbusProtocol::staticMetaObject);
+}
+
+void TestInterface::theRestHasNeitherSignalsNorSlots()
+{
+    QCOMPARE(CanBusReadBuff::staticMetaObject.className(), "canbus::CanBusReadBuff");
+    QCOMPARE(FrameDataFormat::staticMetaObject.className(), "canbus::FrameDataFormat");
+    QCOMPARE(CanbusTickThread::staticMetaObject.className(), "canbus::CanbusTickThread");
+    for (const QMetaObject *type : {&CanBusReadBuff::staticMetaObject, &FrameDataFormat::staticMetaObject,
+                                    &CanbusTickThread::staticMetaObject}) {
+        QCOMPARE(type->methodCount(), type->methodOffset());
+        QCOMPARE(type->propertyCount(), type->propertyOffset());
+    }
 }
 
 void TestInterface::serialPort()
