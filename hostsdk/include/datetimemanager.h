@@ -16,7 +16,7 @@ public:
     static DateTimeManager *instance();
 
     /// The date and time now.
-    /// @param timeSpec  the time specification of the result: the same moment, told as local time or as UTC
+    /// @param timeSpec  whether the moment is told as local time or as UTC
     QDateTime currentDateTime(Qt::TimeSpec timeSpec = Qt::LocalTime) const;
 
     /// Stops the clock at a moment, for tests. Added by the reference host.
