@@ -193,7 +193,8 @@ SerialPort::LineState SerialPort::examineLine()
 void SerialPort::goOnListening()
 {
     // After a resource error the port has stopped listening by itself.
-    for (QSocketNotifier *notifier : notifiersOf(m_port)) {
+    const QList<QSocketNotifier *> notifiers = notifiersOf(m_port);
+    for (QSocketNotifier *notifier : notifiers) {
         if (notifier->type() == QSocketNotifier::Read)
             notifier->setEnabled(true);
     }
@@ -203,7 +204,8 @@ void SerialPort::goSilent()
 {
     m_lost = true;
     // Left to itself the port would find the dead line readable for ever, at the cost of a whole core.
-    for (QSocketNotifier *notifier : notifiersOf(m_port))
+    const QList<QSocketNotifier *> notifiers = notifiersOf(m_port);
+    for (QSocketNotifier *notifier : notifiers)
         notifier->setEnabled(false);
 }
 
