@@ -7,7 +7,6 @@
 #include "support/bytes.h"
 #include "support/threadsatexit.h"
 #include "velcanbusprotocol_p.h"
-#include "wireconstants.h"
 
 #include <algorithm>
 

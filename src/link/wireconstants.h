@@ -95,8 +95,7 @@ enum class ParkingButton : quint8 {
     CustomControl2 = 2,
 };
 
-/// The data byte behind a button: whether it was pressed or released.
-constexpr quint8 kRelease = 0x00;
+/// The data byte behind a button that was pressed; 0 says that it was released.
 constexpr quint8 kPress = 0x01;
 
 /// The ids of the commands that carry a fixed one.

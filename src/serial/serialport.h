@@ -60,7 +60,8 @@ public Q_SLOTS:
     bool open(QString portName, int baudRate);
     /// Closes an open port and emits disconnected(); emits status() when it is closed.
     void disconnect();
-    /// The port has reported an error.
+    /// The port has reported an error: it is logged by its number. After a failed read the line itself is
+    /// asked whether it is lost; a false alarm is listened on and not announced.
     void handleError();
     /// Writes a block in one go, waiting up to 100 ms for it to be taken. Emits status() when the port is
     /// closed, error() when the bytes were not taken in time; nothing is kept for a later attempt.
