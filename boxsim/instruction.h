@@ -1,0 +1,35 @@
+#pragma once
+
+#include "boxsim/fields.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
+namespace boxsim {
+
+/// Something that the bench is told to do, by a scenario, a recording or a line on standard input.
+struct Instruction {
+    enum class Kind {
+        Set,       ///< `assignments`, all at once
+        SendFrame, ///< one data frame of the box: `id`, `tp`, `mod`, `bytes` as payload; sent once as it is,
+                   ///< without waiting for its acknowledgement
+        SendBytes, ///< `bytes` on the line as they are
+        Restart,   ///< the box is switched off and on: it forgets the link, and reports "ready" unasked
+        HangUp,    ///< the line is gone, and comes back after `ms`
+        Note,      ///< `text` is reported
+        End,       ///< the run ends with success
+        Fail,      ///< the run ends with a failure; `text` says why
+    };
+
+    Kind kind = Kind::Note;
+    QVector<Assignment> assignments;
+    quint8 id = 0;
+    quint8 tp = 0;
+    quint8 mod = 0;
+    QByteArray bytes;
+    int ms = 0;
+    QString text;
+};
+
+} // namespace boxsim

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "boxsim/box.h"
+#include "boxsim/instruction.h"
+
+#include <QtCore/QVector>
+
+namespace boxsim {
+
+/// What leads the bench through a run: a scenario or a recording. Pure: times come in, milliseconds since the
+/// bench began, never backwards, already divided by the run's speed.
+class Script {
+public:
+    virtual ~Script() = default;
+
+    /// Tells what the box has reported. What it leads to comes with the next advance().
+    virtual void observe(const Event &event, qint64 nowMs) = 0;
+
+    /// @return what is due at `nowMs`, in order
+    virtual QVector<Instruction> advance(qint64 nowMs) = 0;
+
+    /// When advance() will have something to do, or kNever.
+    virtual qint64 dueMs() const = 0;
+};
+
+} // namespace boxsim
