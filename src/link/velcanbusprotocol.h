@@ -30,6 +30,11 @@ public:
     QByteArray data; ///< in order of arrival, still escaped
     QMutex mutex;    ///< not recursive
 
+Q_SIGNALS:
+    /// A block has come from the line: emitted by the serial port on its thread, before the block is appended
+    /// to `data` and without the lock. For recorders and counters: connect directly, and be quick.
+    void received(QByteArray block);
+
 private:
     CanBusReadBuff() = default;
 };

@@ -143,8 +143,9 @@ void SerialPort::onReadyRead()
 
 void SerialPort::deliver(const QByteArray &data)
 {
+    CanBusReadBuff *const buffer = CanBusReadBuff::instance();
+    Q_EMIT buffer->received(data);
     {
-        CanBusReadBuff *const buffer = CanBusReadBuff::instance();
         QMutexLocker lock(&buffer->mutex);
         buffer->data += data;
     }

@@ -55,6 +55,8 @@ private Q_SLOTS:
     void waitsATenthOfASecondForAWrite();
     void namesTheWriteThatFailed();
     void emitsAndBuffersWhatArrives();
+    void announcesABlockBeforeItIsBuffered();
+    void announcesABlockOnThePortsThread();
     void appendsToWhatIsBuffered();
     void collectsAllThatIsThere();
     void waitsForTheBuffer();
@@ -220,6 +222,51 @@ void TestSerialPortTransfer::emitsAndBuffersWhatArrives()
     QTRY_COMPARE(it.allRead(), everyByteValue());
     QCOMPARE(bufferedBytes(), everyByteValue());
     QVERIFY(log.lines().isEmpty());
+}
+
+void TestSerialPortTransfer::announcesABlockBeforeItIsBuffered()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    setBufferedBytes(bytes("9f 02"));
+    QByteArray announced;
+    QByteArray bufferedThen;
+    bool wasLocked = false;
+    connect(CanBusReadBuff::instance(), &CanBusReadBuff::received, this, [&](const QByteArray &block) {
+        announced += block;
+        wasLocked = !CanBusReadBuff::instance()->mutex.tryLock();
+        bufferedThen = CanBusReadBuff::instance()->data;
+        if (!wasLocked)
+            CanBusReadBuff::instance()->mutex.unlock();
+    });
+    QVERIFY(line.send(bytes("9f 03")));
+    QTRY_COMPARE(it.allRead(), bytes("9f 03"));
+    disconnect(CanBusReadBuff::instance(), nullptr, this, nullptr);
+    QCOMPARE(announced, bytes("9f 03"));
+    QVERIFY(!wasLocked);
+    QCOMPARE(bufferedThen, bytes("9f 02"));
+}
+
+void TestSerialPortTransfer::announcesABlockOnThePortsThread()
+{
+    PseudoTerminal line;
+    QThread worker;
+    auto *port = new SerialPort;
+    QVERIFY(port->open(line.name(), kBaud));
+    port->moveToThread(&worker);
+    std::atomic<QThread *> announcedOn {nullptr};
+    QObject listener;
+    connect(
+        CanBusReadBuff::instance(), &CanBusReadBuff::received, &listener,
+        [&announcedOn] { announcedOn = QThread::currentThread(); }, Qt::DirectConnection);
+    worker.start();
+    QVERIFY(line.send(bytes("21")));
+    QTRY_COMPARE(bufferedBytes(), bytes("21"));
+    QCOMPARE(announcedOn.load(), &worker);
+    port->deleteLater();
+    worker.quit();
+    QVERIFY(worker.wait(10000));
 }
 
 void TestSerialPortTransfer::appendsToWhatIsBuffered()
