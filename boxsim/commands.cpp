@@ -242,6 +242,52 @@ DecodedCommand named(const Row &row, const WireFrame &frame)
     return command;
 }
 
+ArgumentForm formOf(const Field &field)
+{
+    const QString name = QString::fromLatin1(field.name);
+    switch (field.kind) {
+    case Kind::Byte:
+        return {name, ArgumentForm::Kind::Byte, 0, 255};
+    case Kind::Flag:
+        return {name, ArgumentForm::Kind::Flag, 0, 1};
+    case Kind::Press:
+        return {name, ArgumentForm::Kind::Flag, 1, 1};
+    case Kind::Zero:
+        return {name, ArgumentForm::Kind::Byte, 0, 0};
+    }
+    return {};
+}
+
+/// The row's names: its own, and those with the owner of the settings before it.
+QStringList namesOf(const Row &row)
+{
+    const QString name = QString::fromLatin1(row.name);
+    QStringList names {name};
+    if (row.tp != Command::Settings)
+        return names;
+    for (const char *object : {"climate.", "gauges.", "vehicle.", "parking."})
+        names.append(QLatin1String(object) + name);
+    return names;
+}
+
+QVector<CommandForm> makeCommandForms()
+{
+    QVector<CommandForm> forms;
+    for (const Row &row : rows()) {
+        QVector<ArgumentForm> arguments;
+        for (const Field &field : row.fields)
+            arguments.append(formOf(field));
+        for (const QString &name : namesOf(row))
+            forms.append({name, arguments});
+    }
+    constexpr auto hexText = ArgumentForm::Kind::Hex;
+    forms.append({QStringLiteral("unknown"),
+                  {{QStringLiteral("tp"), hexText},
+                   {QStringLiteral("mod"), hexText},
+                   {QStringLiteral("data"), hexText}}});
+    return forms;
+}
+
 QString hex(const QByteArray &bytes)
 {
     return QString::fromLatin1(bytes.toHex());
@@ -265,6 +311,12 @@ DecodedCommand decodeCommand(const WireFrame &frame)
             return named(row, frame);
     }
     return unknown(frame);
+}
+
+const QVector<CommandForm> &commandForms()
+{
+    static const QVector<CommandForm> all = makeCommandForms();
+    return all;
 }
 
 QString toText(const DecodedCommand &command)

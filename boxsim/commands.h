@@ -46,6 +46,29 @@ struct DecodedCommand {
 /// @param frame  a frame of Kind::Data
 DecodedCommand decodeCommand(const WireFrame &frame);
 
+/// An argument that a command can have.
+struct ArgumentForm {
+    enum class Kind {
+        Flag, ///< bool
+        Byte, ///< int
+        Hex,  ///< QString, bytes as hexadecimal text
+    };
+
+    QString name;
+    Kind kind = Kind::Byte;
+    int least = 0; ///< of a flag or a byte, as a number
+    int most = 255;
+};
+
+/// A command that decodeCommand() can name.
+struct CommandForm {
+    QString name;
+    QVector<ArgumentForm> arguments;
+};
+
+/// Everything that decodeCommand() can name, with all arguments that it gives.
+const QVector<CommandForm> &commandForms();
+
 /// The command as one line: `climate.acBtn press=true value=0`.
 QString toText(const DecodedCommand &command);
 

@@ -28,6 +28,14 @@ constexpr KindName kKindNames[] = {
     {Kind::LinkUp, "linkUp", "link up"},
     {Kind::LinkDown, "linkDown", "link down"},
     {Kind::Silent, "silent", "silent from here on"},
+    {Kind::Speaking, "speaking", "the silence is over"},
+    {Kind::Restart, "restart", "restarted"},
+    {Kind::Fault, "fault", "fault"},
+    {Kind::Sent, "sent", "sent"},
+    {Kind::HangUp, "hangUp", "the line hangs up"},
+    {Kind::LineBack, "lineBack", "the line is back"},
+    {Kind::Note, "note", "note"},
+    {Kind::Seed, "seed", "seed"},
 };
 
 struct CategoryName {
@@ -92,6 +100,14 @@ private:
     QByteArray m_line;
 };
 
+/// Whether a line for people is of no use without the bytes.
+bool showsBytes(const Event &event)
+{
+    const bool tellsOfBytes =
+        event.kind == Kind::BadFrame || event.kind == Kind::Fault || event.kind == Kind::Sent;
+    return tellsOfBytes && !event.bytes.isEmpty();
+}
+
 void addCommand(JsonLine &line, const Event &event)
 {
     line.add(QStringLiteral("name"), event.command.name);
@@ -120,7 +136,7 @@ QByteArray toLine(const Event &event)
         line += ", acknowledged";
     if (!event.reason.isEmpty())
         line += ": " + event.reason.toUtf8();
-    if (event.kind == Kind::BadFrame)
+    if (showsBytes(event))
         line += ": " + event.bytes.toHex(' ');
     return line;
 }
@@ -141,6 +157,19 @@ QByteArray toJson(const Event &event)
     if (!event.bytes.isEmpty())
         line.add(QStringLiteral("bytes"), QString::fromLatin1(event.bytes.toHex()));
     return line.finish();
+}
+
+QString eventName(Event::Kind kind)
+{
+    return QString::fromLatin1(nameOf(kind).json);
+}
+
+QStringList eventNames()
+{
+    QStringList names;
+    for (const KindName &row : kKindNames)
+        names.append(QString::fromLatin1(row.json));
+    return names;
 }
 
 } // namespace boxsim

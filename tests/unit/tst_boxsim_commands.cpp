@@ -24,6 +24,20 @@ void row(const char *text, const char *wire)
     QTest::newRow(text) << bytes(wire) << QString::fromLatin1(text);
 }
 
+QString text(const boxsim::ArgumentForm &form)
+{
+    const QString range = QStringLiteral(" %1..%2").arg(form.least).arg(form.most);
+    switch (form.kind) {
+    case boxsim::ArgumentForm::Kind::Flag:
+        return form.name + " flag" + range;
+    case boxsim::ArgumentForm::Kind::Byte:
+        return form.name + " byte" + range;
+    case boxsim::ArgumentForm::Kind::Hex:
+        return form.name + " hex";
+    }
+    return {};
+}
+
 } // namespace
 
 class TestBoxsimCommands : public QObject {
@@ -39,6 +53,9 @@ private Q_SLOTS:
     void tellsWhatTheBoxHasToDo_data();
     void tellsWhatTheBoxHasToDo();
     void typesTheArguments();
+    void listsEachNameWithItsArguments_data();
+    void listsEachNameWithItsArguments();
+    void listsEachNameOnce();
 
 private:
     static void namesTheCommand();
@@ -200,6 +217,49 @@ void TestBoxsimCommands::typesTheArguments()
     QCOMPARE(command.arguments.size(), 2);
     QCOMPARE(command.arguments.at(0).value, QVariant(true));
     QCOMPARE(command.arguments.at(1).value, QVariant(3));
+}
+
+void TestBoxsimCommands::listsEachNameWithItsArguments_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("arguments");
+
+    QTest::newRow("a button with a value")
+        << "climate.manualTemp" << QStringList {"press flag 0..1", "value byte 0..255"};
+    QTest::newRow("a button without a release") << "vehicle.checkEngine" << QStringList {"press flag 1..1"};
+    QTest::newRow("a menu") << "player.onMenuPress"
+                            << QStringList {"menu byte 0..255", "item byte 0..255", "action byte 0..255"};
+    QTest::newRow("settings of nobody") << "settings" << QStringList {"value byte 0..0"};
+    QTest::newRow("settings of the vehicle") << "vehicle.settings" << QStringList {"value byte 0..0"};
+    QTest::newRow("no arguments") << "connection.check" << QStringList {};
+    QTest::newRow("anything else") << "unknown" << QStringList {"tp hex", "mod hex", "data hex"};
+}
+
+void TestBoxsimCommands::listsEachNameWithItsArguments()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, arguments);
+
+    const auto &forms = boxsim::commandForms();
+    const auto form = std::find_if(forms.begin(), forms.end(),
+                                   [&name](const boxsim::CommandForm &one) { return one.name == name; });
+
+    QVERIFY(form != forms.end());
+    QStringList found;
+    for (const boxsim::ArgumentForm &argument : form->arguments)
+        found.append(text(argument));
+    QCOMPARE(found, arguments);
+}
+
+void TestBoxsimCommands::listsEachNameOnce()
+{
+    QStringList names;
+    for (const boxsim::CommandForm &form : boxsim::commandForms())
+        names.append(form.name);
+
+    // 4 of link and player, 5 pages, settings of 4 groups and of nobody, 28 + 12 buttons, unknown.
+    QCOMPARE(names.size(), 4 + 5 + 5 + 28 + 12 + 1);
+    QCOMPARE(names.removeDuplicates(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimCommands)

@@ -60,6 +60,7 @@ class TestBoxsimReport : public QObject {
 private Q_SLOTS:
     void writesAnEventAsALineAndAsJson_data();
     void writesAnEventAsALineAndAsJson();
+    void namesEventsAsInJson();
 };
 
 void TestBoxsimReport::writesAnEventAsALineAndAsJson_data()
@@ -106,6 +107,16 @@ void TestBoxsimReport::writesAnEventAsALineAndAsJson()
 
     QCOMPARE(boxsim::toLine(made), line);
     QCOMPARE(boxsim::toJson(made), json);
+}
+
+void TestBoxsimReport::namesEventsAsInJson()
+{
+    QCOMPARE(boxsim::eventName(Event::Kind::LinkUp), QStringLiteral("linkUp"));
+    QCOMPARE(boxsim::eventName(Event::Kind::BadFrame), QStringLiteral("badFrame"));
+    const QStringList known {"command", "ack",    "nack",     "badFrame", "resend",
+                             "giveUp",  "linkUp", "linkDown", "silent"};
+    for (const QString &name : known)
+        QVERIFY2(boxsim::eventNames().contains(name), qPrintable(name));
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimReport)
