@@ -49,8 +49,8 @@ void tst_recording_reader::readsBigEndianFiles()
     const Parsed parsed(bytes("0a0d0d0a 00000028 1a2b3c4d 0001 0000 ffffffffffffffff"
                               "0001 0005 6120626f78 000000 00000028" // a box; no end of options
                               "00000001 00000014 0093 0000 00000000 00000014"
-                              "00000006 00000030 00000000 00060a24 181e4000 00000002 00000002 9f02 0000"
-                              "0002 0004 00000002 00000030"));
+                              "00000006 0000002c 00000000 00060a24 181e4000 00000002 00000002 9f02 0000"
+                              "0002 0004 00000002 0000002c"));
     QCOMPARE(parsed.error, QString());
     QVERIFY(parsed.isWhole);
     QCOMPARE(parsed.recording.comment, QStringLiteral("a box"));
