@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <numeric>
 
-namespace canbus::monitor {
+namespace canbus {
 
 namespace {
 
@@ -45,4 +45,13 @@ QStringList similarNames(const QString &name, const QStringList &candidates)
     return near;
 }
 
-} // namespace canbus::monitor
+QString mostSimilarName(const QString &name, const QStringList &candidates)
+{
+    const QStringList near = similarNames(name, candidates);
+    const auto isNearer = [&name](const QString &a, const QString &b) {
+        return editDistance(name.toLower(), a.toLower()) < editDistance(name.toLower(), b.toLower());
+    };
+    return near.isEmpty() ? QString() : *std::min_element(near.begin(), near.end(), isNearer);
+}
+
+} // namespace canbus
