@@ -21,11 +21,11 @@ constexpr qint64 kRepetitionWindowMs = 900;
 
 /// The head unit removes escaping from answers as well, so that an answer with a plain 9F as its id would not
 /// be understood.
-QByteArray acknowledgement(quint8 id)
+QByteArray answerFrame(quint8 kind, quint8 id)
 {
     QByteArray escaped;
     canbus::frame::appendEscaped(escaped, id);
-    return canbus::frame::buildAnswer(canbus::frame::kAck, escaped);
+    return canbus::frame::buildAnswer(kind, escaped);
 }
 
 QByteArray versionPayload(bool ready)
@@ -48,18 +48,19 @@ qint64 earlier(qint64 a, qint64 b)
 
 } // namespace
 
-Box::Box(const BoxOptions &options)
+Box::Box(const BoxOptions &options, const BenchState &state)
     : m_options(options)
-    , m_notReadyLeft(options.notReadyReplies)
+    , m_state(state)
+    , m_random(options.seed, Random::Stream::Answers)
 {
     if (m_options.drive)
-        m_car = driveAt(0);
+        m_state.car = driveAt(0);
 }
 
 Output Box::receive(const QByteArray &bytes, qint64 nowMs)
 {
     m_nowMs = nowMs;
-    fallSilentWhenDue();
+    followSilence();
     followDrive();
     const QVector<WireFrame> frames = m_reader.feed(bytes);
     for (const WireFrame &frame : frames)
@@ -79,22 +80,42 @@ qint64 Box::dueMs() const
         return kNever;
     const qint64 nextStep = (m_driveMs / kDriveStepMs + 1) * kDriveStepMs;
     const qint64 drive = m_options.drive ? nextStep : kNever;
-    return earlier(earlier(m_sender.dueMs(), drive), m_options.silentAfterMs);
+    return earlier(m_sender.dueMs(), drive);
 }
 
-void Box::setCar(const CarState &car)
+void Box::setState(const BenchState &state)
 {
-    const CarState before = std::exchange(m_car, car);
-    if (!m_linkUp)
+    const CarState before = m_state.car;
+    m_state = state;
+    if (!m_linkUp || !m_options.reportsState)
         return;
+    const CarState &car = m_state.car;
     const QVector<CategoryFrame> was = framesOf(before);
-    const QVector<CategoryFrame> is = framesOf(m_car);
+    const QVector<CategoryFrame> is = framesOf(car);
     for (int i = 0; i < is.size(); ++i) {
         if (is.at(i).payload != was.at(i).payload)
             m_sender.post(is.at(i).tp, is.at(i).mod, is.at(i).payload);
     }
-    if (m_car.transition != before.transition && m_car.transition != kNoTransition)
-        m_sender.post(quint8(Category::ScreensTransition), 0, transitionPayload(quint8(m_car.transition)));
+    if (car.transition != before.transition && car.transition != kNoTransition)
+        m_sender.post(quint8(Category::ScreensTransition), 0, transitionPayload(quint8(car.transition)));
+}
+
+void Box::setCar(const CarState &car)
+{
+    BenchState state = m_state;
+    state.car = car;
+    setState(state);
+}
+
+Output Box::restart(qint64 nowMs)
+{
+    m_nowMs = nowMs;
+    report(Event::Kind::Restart);
+    beginAnew();
+    m_reader = WireReader();
+    m_lastFrame.clear();
+    m_sender.post(quint8(Category::Version), 0, versionPayload(true));
+    return advance(nowMs);
 }
 
 void Box::take(const WireFrame &frame)
@@ -116,16 +137,23 @@ void Box::takeCommand(const WireFrame &frame)
     const DecodedCommand command = decodeCommand(frame);
     const bool repeated = isRepetition(frame);
     report(Event::Kind::Command, frame.id, frame.bytes);
-    Event &event = m_output.events.last();
-    event.command = command;
-    event.repeated = repeated;
-    event.acknowledged = !m_silent;
-    event.category = categoryOfId(frame.id);
+    const int at = m_output.events.size() - 1;
+    m_output.events[at].command = command;
+    m_output.events[at].repeated = repeated;
+    m_output.events[at].category = categoryOfId(frame.id);
     if (m_silent)
-        return;
-    m_output.writes.append(acknowledgement(quint8(frame.id)));
+        return hearInSilence(command.action);
+    // It may add events of its own.
+    const bool acknowledged = answer(quint8(frame.id));
+    m_output.events[at].acknowledged = acknowledged;
     if (!repeated || keepsLink(command.action))
         carryOut(command.action, frame.data);
+}
+
+void Box::hearInSilence(Action action)
+{
+    if (action == Action::ConnectRequest)
+        beginAnew();
 }
 
 void Box::takeAck(const WireFrame &frame)
@@ -141,6 +169,29 @@ bool Box::isRepetition(const WireFrame &frame)
     m_lastFrame = frame.bytes;
     m_lastFrameMs = m_nowMs;
     return same;
+}
+
+/// @return whether the answer acknowledges the frame
+bool Box::answer(quint8 id)
+{
+    Faults &faults = m_state.faults;
+    const bool isFirst = faults.dropFirstAnswers > 0;
+    if (isFirst)
+        --faults.dropFirstAnswers;
+    if (isFirst || m_random.happens(faults.dropAnswers)) {
+        report(Event::Kind::Fault, id, {}, QStringLiteral("answer dropped"));
+        return false;
+    }
+    const bool isNegative = m_random.happens(faults.nackAnswers);
+    const bool isWrong = m_random.happens(faults.wrongIds);
+    const quint8 sentId = isWrong ? quint8(id ^ (1 + m_random.below(255))) : id;
+    const QByteArray frame = answerFrame(isNegative ? canbus::frame::kNack : canbus::frame::kAck, sentId);
+    m_output.writes.append(frame);
+    if (isNegative)
+        report(Event::Kind::Fault, id, frame, QStringLiteral("negative answer"));
+    if (isWrong)
+        report(Event::Kind::Fault, id, frame, QStringLiteral("answer with another id"));
+    return !isNegative && !isWrong;
 }
 
 void Box::carryOut(Action action, const QByteArray &data)
@@ -175,7 +226,7 @@ void Box::press(Action action, const QByteArray &data)
     const quint8 second = quint8(data.at(1));
     const quint8 third = quint8(data.size() > 2 ? data.at(2) : 0);
     const bool down = second != 0;
-    CarState car = m_car;
+    CarState car = m_state.car;
     switch (action) {
     case Action::ClimateButton:
         pressClimateButton(car.climate, button, down, third);
@@ -204,22 +255,36 @@ void Box::answerButton(const CarState &car, quint8 category, quint8 selector)
     post(category, selector);
 }
 
-/// A turned gauge takes its values from where the drive is; without one, from its beginning.
+/// A turned gauge takes its values from what the car measures.
 void Box::pressGauges(GaugesState &gauges, quint8 button, bool press)
 {
-    const GaugeFaces before = m_turned;
-    pressGaugesButton(gauges, m_turned, button, press);
-    if (m_turned != before)
-        applyChanges(gauges, driveAt(m_driveMs, before).gauges, driveAt(m_driveMs, m_turned).gauges);
+    const GaugeFaces before = m_state.faces;
+    pressGaugesButton(gauges, m_state.faces, button, press);
+    if (m_state.faces == before)
+        return;
+    if (m_options.drive)
+        return applyChanges(gauges, driveAt(m_driveMs, before).gauges,
+                            driveAt(m_driveMs, m_state.faces).gauges);
+    applyChanges(gauges, gaugesShowing(m_state.measured, before),
+                 gaugesShowing(m_state.measured, m_state.faces));
+}
+
+/// The head unit has forgotten the link, or the box itself.
+void Box::beginAnew()
+{
+    setLinkUp(false);
+    m_sender.clear();
 }
 
 void Box::answerConnectRequest()
 {
-    setLinkUp(false);
-    m_sender.clear();
-    const bool ready = m_notReadyLeft == 0;
+    beginAnew();
+    if (!m_options.saysReady)
+        return;
+    int &notReady = m_state.faults.notReadyReplies;
+    const bool ready = notReady == 0;
     if (!ready)
-        --m_notReadyLeft;
+        --notReady;
     m_sender.post(quint8(Category::Version), 0, versionPayload(ready));
 }
 
@@ -235,9 +300,9 @@ void Box::setLinkUp(bool up)
 
 void Box::post(int category, int selector)
 {
-    if (!m_linkUp)
+    if (!m_linkUp || !m_options.reportsState)
         return;
-    const QVector<CategoryFrame> frames = framesOf(m_car);
+    const QVector<CategoryFrame> frames = framesOf(m_state.car);
     for (const CategoryFrame &frame : frames) {
         if ((category == kAny || category == frame.tp) && (selector == kAny || selector == frame.mod))
             m_sender.post(frame.tp, frame.mod, frame.payload);
@@ -248,18 +313,20 @@ void Box::followDrive()
 {
     if (!m_options.drive || m_nowMs / kDriveStepMs == m_driveMs / kDriveStepMs)
         return;
-    CarState car = m_car;
-    applyChanges(car, driveAt(m_driveMs, m_turned), driveAt(m_nowMs, m_turned));
+    CarState car = m_state.car;
+    applyChanges(car, driveAt(m_driveMs, m_state.faces), driveAt(m_nowMs, m_state.faces));
     m_driveMs = m_nowMs;
     setCar(car);
 }
 
-void Box::fallSilentWhenDue()
+void Box::followSilence()
 {
-    if (m_silent || m_options.silentAfterMs == kNever || m_nowMs < m_options.silentAfterMs)
+    if (m_silent == m_state.faults.silence)
         return;
-    m_silent = true;
-    report(Event::Kind::Silent);
+    m_silent = m_state.faults.silence;
+    // What was heard in the silence was not carried out: when it comes again, it is no repetition.
+    m_lastFrame.clear();
+    report(m_silent ? Event::Kind::Silent : Event::Kind::Speaking);
 }
 
 void Box::send()
@@ -274,8 +341,7 @@ void Box::send()
     if (step.kind != Sender::Step::Kind::GaveUp)
         return m_output.writes.append(step.bytes);
     report(Event::Kind::GiveUp, step.id, step.bytes);
-    m_sender.clear();
-    setLinkUp(false);
+    beginAnew();
 }
 
 void Box::report(Event::Kind kind, int id, const QByteArray &bytes, const QString &reason)

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "boxsim/carstate.h"
+#include "boxsim/benchstate.h"
 #include "boxsim/commands.h"
-#include "boxsim/gaugefaces.h"
+#include "boxsim/random.h"
 #include "boxsim/sender.h"
 #include "boxsim/wirereader.h"
 
@@ -23,13 +23,21 @@ struct Event {
         LinkUp,   ///< the head unit has connected
         LinkDown, ///< it begins anew, or does not answer any more
         Silent,   ///< from here on the box neither answers nor sends
+        Speaking, ///< the silence is over
+        Restart,  ///< the box was switched off and on
+        Fault,    ///< something was made wrong on purpose: `reason`, `bytes` where it is about some
+        Sent,     ///< bytes went out as a script gave them
+        HangUp,   ///< the line is gone
+        LineBack, ///< the line is there again
+        Note,     ///< a remark of a script: `reason`
+        Seed,     ///< what all chance of this run comes from: `reason`
     };
 
     Kind kind = Kind::Command;
     qint64 timeMs = 0;
     int id = kNoId;
     DecodedCommand command;
-    bool acknowledged = false; ///< the box has answered: always, unless it is silent
+    bool acknowledged = false; ///< the box has answered: always, unless it is silent or a fault is in the way
     bool repeated = false;     ///< the same bytes as the frame right before it: taken as a retransmission
     quint8 category = 0;       ///< whose id the command carries, as a TP byte; 0: none of the box's
     QString reason;
@@ -44,9 +52,10 @@ struct Output {
 
 /// How a box behaves.
 struct BoxOptions {
-    int notReadyReplies = 0;       ///< so many connect requests are answered with "not ready" first
-    qint64 silentAfterMs = kNever; ///< from then on it neither answers nor sends
-    bool drive = true;             ///< plays the built-in drive
+    quint32 seed = kDefaultSeed; ///< what the faults of its answers are drawn from
+    bool reportsState = true;    ///< false: sends no state, because a recording speaks for it
+    bool saysReady = true;       ///< false: acknowledges connect requests and leaves the reply to a recording
+    bool drive = true;           ///< plays the built-in drive
 };
 
 /// The interface box as the head unit sees it. Pure: bytes and times in, bytes and events out; no clock and
@@ -68,9 +77,12 @@ struct BoxOptions {
 /// - A negative acknowledgement changes nothing: the head unit sends them while a frame is still arriving.
 ///   If the frame did not arrive, the resend interval takes care of it.
 /// - A frame that is given up takes the link down until the next connection check or connect request.
+/// - A silent box hears and reports, but carries nothing out and sends nothing. Its frame under way and all
+///   that changes wait for the end of the silence. A connect request that it hears takes the link down.
+/// - A fault of an answer is one of the answer alone: the command is carried out.
 class Box {
 public:
-    explicit Box(const BoxOptions &options = {});
+    explicit Box(const BoxOptions &options = {}, const BenchState &state = {});
 
     /// Takes bytes from the line, cut anywhere.
     Output receive(const QByteArray &bytes, qint64 nowMs);
@@ -83,11 +95,25 @@ public:
 
     bool isLinkUp() const { return m_linkUp; }
 
-    const CarState &car() const { return m_car; }
+    /// Whether it is silent at present.
+    bool isSilent() const { return m_silent; }
 
-    const ClimateState &climate() const { return m_car.climate; }
+    /// The state, with what the buttons have changed and the counted faults that are left.
+    const BenchState &state() const { return m_state; }
 
-    /// Changes what the box reports; the next advance() sends what changed.
+    /// Changes what the box reports and what is wrong with it. The next advance() sends what changed, and
+    /// begins or ends a silence.
+    void setState(const BenchState &state);
+
+    /// Switches the box off and on: it forgets the link, what it was about to send and what it heard, and
+    /// says "ready" unasked. It keeps its state, which is the car's.
+    Output restart(qint64 nowMs);
+
+    const CarState &car() const { return m_state.car; }
+
+    const ClimateState &climate() const { return m_state.car.climate; }
+
+    /// setState() for the car alone.
     void setCar(const CarState &car);
 
 private:
@@ -97,7 +123,10 @@ private:
     void takeCommand(const WireFrame &frame);
     void takeAck(const WireFrame &frame);
     bool isRepetition(const WireFrame &frame);
+    void hearInSilence(Action action);
+    bool answer(quint8 id);
     void carryOut(Action action, const QByteArray &data);
+    void beginAnew();
     void answerConnectRequest();
     void setLinkUp(bool up);
     void press(Action action, const QByteArray &data);
@@ -105,19 +134,18 @@ private:
     void answerButton(const CarState &car, quint8 category, quint8 selector);
     void post(int category = kAny, int selector = kAny);
     void followDrive();
-    void fallSilentWhenDue();
+    void followSilence();
     void send();
     void report(Event::Kind kind, int id = kNoId, const QByteArray &bytes = {}, const QString &reason = {});
 
     BoxOptions m_options;
     WireReader m_reader;
     Sender m_sender;
-    CarState m_car;
-    GaugeFaces m_turned {}; ///< the gauges that the head unit turned to their other face
+    BenchState m_state;
+    Random m_random;
     qint64 m_nowMs = 0;
     bool m_silent = false;
     bool m_linkUp = false;
-    int m_notReadyLeft;
     QByteArray m_lastFrame;
     qint64 m_lastFrameMs = 0;
     qint64 m_driveMs = 0;

@@ -58,7 +58,7 @@ int run(QCoreApplication &application, const Options &options, int endingSignals
     if (!line)
         return fail(kRunTimeFailure, error);
 
-    Session session(line.get(), options.box, options.split);
+    Session session(line.get(), options.faults, options.silentAfterMs, options.split);
     QObject::connect(&session, &Session::happened, &application,
                      [&options](const Event &event) { print(options.json ? toJson(event) : toLine(event)); });
     QObject::connect(line.get(), &Line::failed, &application,

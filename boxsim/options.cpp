@@ -54,9 +54,9 @@ bool readNumbers(const QCommandLineParser &parser, const Switches &switches, Opt
     int silentAfter = int(kNever);
     if (!readNumber(parser, switches.baud, 1, &options->baudRate, error)
         || !readNumber(parser, switches.silentAfter, 0, &silentAfter, error)
-        || !readNumber(parser, switches.notReady, 0, &options->box.notReadyReplies, error))
+        || !readNumber(parser, switches.notReady, 0, &options->faults.notReadyReplies, error))
         return false;
-    options->box.silentAfterMs = silentAfter;
+    options->silentAfterMs = silentAfter;
     return true;
 }
 

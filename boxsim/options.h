@@ -18,7 +18,8 @@ struct Options {
     int baudRate = 57600;
     bool split = false; ///< each byte is a write of its own
     bool json = false;
-    BoxOptions box;
+    qint64 silentAfterMs = kNever;
+    Faults faults;
 };
 
 /// Reads the command line.

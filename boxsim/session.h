@@ -15,21 +15,23 @@ class Session : public QObject {
 
 public:
     /// @param line  the box's end, which lives longer than the session
-    /// @param options  how the box behaves; its time begins now
+    /// @param faults  what is wrong with the box, whose time begins now
     /// @param split  writes each byte on its own
-    Session(Line *line, const BoxOptions &options, bool split, QObject *parent = nullptr);
+    Session(Line *line, const Faults &faults, qint64 silentAfterMs, bool split, QObject *parent = nullptr);
 
 Q_SIGNALS:
     /// Something happened on the line.
     void happened(const boxsim::Event &event);
 
 private:
+    void fallSilentWhenDue();
     void perform(const Output &output);
     void write(const QByteArray &block);
     void wakeWhenDue();
 
     Line *m_line;
     Box m_box;
+    qint64 m_silentAfterMs;
     bool m_split;
     QElapsedTimer m_clock;
     QTimer m_timer;

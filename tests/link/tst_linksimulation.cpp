@@ -21,8 +21,9 @@ constexpr int kRecoveryMs = 40000; // a connection check, its loss, a handshake,
 
 class Simulation {
 public:
-    explicit Simulation(quint32 seed, const boxsim::BoxOptions &options = {})
-        : box(options)
+    explicit Simulation(quint32 seed, const boxsim::BoxOptions &options = {},
+                        const boxsim::Faults &faults = {})
+        : box(options, {{}, {}, {}, faults})
         , toBox(seed)
         , toHeadUnit(seed + 1)
     {
@@ -164,7 +165,9 @@ private Q_SLOTS:
 
     void deliversEachCommandOnceAndInOrder()
     {
-        Simulation simulation(3, {0, boxsim::kNever, false});
+        boxsim::BoxOptions options;
+        options.drive = false;
+        Simulation simulation(3, options);
         QVERIFY(simulation.runUntil([&] { return simulation.headUnit.isLinkUp(); }, kConnectedMs));
         simulation.runFor(500);
         simulation.events.clear();
@@ -181,7 +184,9 @@ private Q_SLOTS:
 
     void goesThroughTheHandshakeOfABoxThatIsNotReady()
     {
-        Simulation simulation(4, {3, boxsim::kNever, true});
+        boxsim::Faults faults;
+        faults.notReadyReplies = 3;
+        Simulation simulation(4, {}, faults);
         QVERIFY(simulation.runUntil([&] { return simulation.headUnit.isLinkUp(); }, 4000));
         QCOMPARE(simulation.firstBrokenRule, QString());
     }

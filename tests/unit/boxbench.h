@@ -43,6 +43,22 @@ inline QString text(const boxsim::Event &event)
         return QStringLiteral("link down");
     case boxsim::Event::Kind::Silent:
         return QStringLiteral("silent");
+    case boxsim::Event::Kind::Speaking:
+        return QStringLiteral("speaking");
+    case boxsim::Event::Kind::Restart:
+        return QStringLiteral("restart");
+    case boxsim::Event::Kind::Fault:
+        return QStringLiteral("fault ") + hexId(event.id) + reason;
+    case boxsim::Event::Kind::Sent:
+        return QStringLiteral("sent");
+    case boxsim::Event::Kind::HangUp:
+        return QStringLiteral("hang-up");
+    case boxsim::Event::Kind::LineBack:
+        return QStringLiteral("line back");
+    case boxsim::Event::Kind::Note:
+        return QStringLiteral("note") + reason;
+    case boxsim::Event::Kind::Seed:
+        return QStringLiteral("seed") + reason;
     }
     return {};
 }
@@ -57,10 +73,19 @@ inline boxsim::BoxOptions withoutDrive()
 /// A box whose writes and events are collected until they are taken.
 class Bench {
 public:
-    explicit Bench(const boxsim::BoxOptions &options = withoutDrive())
-        : box(options)
+    explicit Bench(const boxsim::BoxOptions &options = withoutDrive(), const boxsim::Faults &faults = {})
+        : box(options, {{}, {}, {}, faults})
     {
     }
+
+    void setFaults(const boxsim::Faults &faults)
+    {
+        boxsim::BenchState state = box.state();
+        state.faults = faults;
+        box.setState(state);
+    }
+
+    void restart(qint64 nowMs) { collect(box.restart(nowMs)); }
 
     void receive(qint64 nowMs, const QByteArray &hex)
     {

@@ -4,7 +4,6 @@
 
 using namespace boxbench;
 using boxsim::Box;
-using boxsim::BoxOptions;
 using boxsim::Output;
 
 class TestBoxsimBox : public QObject {
@@ -12,7 +11,6 @@ class TestBoxsimBox : public QObject {
 
 private Q_SLOTS:
     void answersAConnectRequestWithReady();
-    void saysNotReadyAsOftenAsItIsTold();
     void answersAConnectRequestThatComesBeforeTheAcknowledgement();
     void sendsNothingBeforeTheHeadUnitHasConnected();
     void bringsTheLinkUpWithTheConnectionCheckAndSendsItsState();
@@ -32,7 +30,6 @@ private Q_SLOTS:
     void usesEightIdsInTurn();
     void passesOverAnIdThatTheHeadUnitCouldNotRead();
     void sendsDataThatTheHeadUnitCannotReadAllTheSame();
-    void fallsSilent();
     void readsTheHandshakeHoweverItIsCut();
     void tellsWhoseIdACommandCarries();
 };
@@ -47,25 +44,11 @@ void TestBoxsimBox::answersAConnectRequestWithReady()
     QVERIFY(!bench.box.isLinkUp());
 }
 
-void TestBoxsimBox::saysNotReadyAsOftenAsItIsTold()
-{
-    BoxOptions options = withoutDrive();
-    options.notReadyReplies = 2;
-    Bench bench(options);
-
-    bench.receive(0, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 40 01 00 00 00 41 9f 03")}));
-    bench.receive(2000, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 41 01 00 00 00 40 9f 03")}));
-    bench.receive(4000, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 42 01 00 00 01 42 9f 03")}));
-}
-
 void TestBoxsimBox::answersAConnectRequestThatComesBeforeTheAcknowledgement()
 {
-    BoxOptions options = withoutDrive();
-    options.notReadyReplies = 1;
-    Bench bench(options);
+    boxsim::Faults faults;
+    faults.notReadyReplies = 1;
+    Bench bench(withoutDrive(), faults);
     bench.receive(0, kConnectRequest);
     bench.writes();
 
@@ -77,7 +60,7 @@ void TestBoxsimBox::answersAConnectRequestThatComesBeforeTheAcknowledgement()
 
 void TestBoxsimBox::sendsNothingBeforeTheHeadUnitHasConnected()
 {
-    Bench bench {BoxOptions()};
+    Bench bench {boxsim::BoxOptions()};
 
     bench.run(0, 5000);
     QCOMPARE(bench.writes(), QStringList());
@@ -350,26 +333,6 @@ void TestBoxsimBox::sendsDataThatTheHeadUnitCannotReadAllTheSame()
     const QStringList writes = bench.writes();
     QCOMPARE(writes.size(), 1);
     QVERIFY2(writes.at(0).contains(" 03 02 9f 9f 03 00 "), qPrintable(writes.at(0)));
-}
-
-void TestBoxsimBox::fallsSilent()
-{
-    BoxOptions options = withoutDrive();
-    options.silentAfterMs = 1100;
-    Bench bench(options);
-    bench.connectAndSettle();
-    bench.receive(1000, kAcButton);
-    bench.writes();
-    bench.events();
-
-    QCOMPARE(bench.box.dueMs(), qint64(1100));
-    bench.run(1099, 1500);
-    bench.receive(1500, kConnectRequest);
-    bench.run(1501, 3000);
-
-    QCOMPARE(bench.writes(), QStringList());
-    QCOMPARE(bench.events(), QStringList({"silent", "connection.request"}));
-    QCOMPARE(bench.box.dueMs(), boxsim::kNever);
 }
 
 void TestBoxsimBox::readsTheHandshakeHoweverItIsCut()

@@ -10,7 +10,6 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-using boxsim::BoxOptions;
 using boxsim::Line;
 
 namespace {
@@ -312,7 +311,7 @@ void TestBoxsimLine::answersOnTheLine()
         void write(const QByteArray &block) override { blocks.append(block); }
         QVector<QByteArray> blocks;
     } line;
-    boxsim::Session session(&line, BoxOptions(), split);
+    boxsim::Session session(&line, boxsim::Faults(), boxsim::kNever, split);
     QStringList commands;
     connect(&session, &boxsim::Session::happened, this,
             [&commands](const boxsim::Event &event) { commands.append(event.command.name); });

@@ -46,9 +46,8 @@ void TestBoxsimOptions::hasDefaults()
     QVERIFY(options.port.isEmpty());
     QCOMPARE(options.baudRate, 57600);
     QVERIFY(!options.split && !options.json);
-    QCOMPARE(options.box.silentAfterMs, boxsim::kNever);
-    QCOMPARE(options.box.notReadyReplies, 0);
-    QVERIFY(options.box.drive);
+    QCOMPARE(options.silentAfterMs, boxsim::kNever);
+    QCOMPARE(options.faults.notReadyReplies, 0);
 }
 
 void TestBoxsimOptions::takesEveryOption()
@@ -58,8 +57,8 @@ void TestBoxsimOptions::takesEveryOption()
 
     QCOMPARE(options.ptyLink, QStringLiteral("box"));
     QVERIFY(options.split && options.json);
-    QCOMPARE(options.box.silentAfterMs, qint64(0));
-    QCOMPARE(options.box.notReadyReplies, 3);
+    QCOMPARE(options.silentAfterMs, qint64(0));
+    QCOMPARE(options.faults.notReadyReplies, 3);
 }
 
 void TestBoxsimOptions::takesADeviceAndItsBaudRate()
