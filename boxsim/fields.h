@@ -37,12 +37,21 @@ struct Assignment {
 /// Every field: screens, climate, gauges, vehicle, parking, textScreen, measured and fault, in this order.
 const QVector<Field> &allFields();
 
+/// The objects that the fields belong to, in the same order.
+QStringList allObjects();
+
+/// Finds the row of allFields() and the 0-based entry that a name stands for; the entry is -1 where it stands
+/// for the whole field.
+/// @return whether there is such a field; else `error` is one line, as assign() gives it
+bool findField(const QString &name, int *field, int *entry, QString *error);
+
 /// Checks a value that came typed, from JSON: bool, double, QString, QVariantList.
 /// @return whether it fits; else `error` is one line that says what is wrong and what would be right: an
 ///   unknown name (with the most similar one), a wrong type, a value out of range
 bool assign(const QString &name, const QVariant &value, Assignment *assignment, QString *error);
 
-/// The same for a value as it is typed on standard input; a list is separated by commas.
+/// The same for a value as it is typed on standard input. A list is separated by commas, and blanks around
+/// its parts do not count; a backslash before a comma, a blank or another backslash makes it part of a text.
 bool assignText(const QString &name, const QString &text, Assignment *assignment, QString *error);
 
 } // namespace boxsim
