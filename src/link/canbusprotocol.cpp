@@ -9,4 +9,9 @@ CanbusProtocol::CanbusProtocol(QObject *parent)
 
 CanbusProtocol::~CanbusProtocol() = default;
 
+LinkHealth *CanbusProtocol::linkHealth() const
+{
+    return nullptr;
+}
+
 } // namespace canbus

@@ -7,6 +7,8 @@
 
 namespace canbus {
 
+class LinkHealth;
+
 /// What the facade expects of a link protocol: blocks of bytes to be written, the state of the link, and
 /// one signal for each category that the box reports.
 ///
@@ -27,6 +29,10 @@ public:
     /// thread. What is received also reaches the protocol through CanBusReadBuff; this is the way for what
     /// is not framed.
     virtual void analyseData(QByteArray data) = 0;
+
+    /// What the link has been through; lives as long as the protocol. Null where a protocol does not count:
+    /// this implementation.
+    virtual LinkHealth *linkHealth() const;
 
 Q_SIGNALS:
     /// A complete block of bytes for the serial port. A signal, in spite of its name.

@@ -54,9 +54,9 @@ public:
     quint64 badChecks = 0;        ///< frames that were dropped for their check byte
     quint64 discardedBuffers = 0; ///< how often the receive buffer outgrew 2048 bytes and was thrown away
     quint64 discardedBytes = 0;   ///< bytes that went so
-    quint64 skippedBytes = 0;     ///< bytes before a frame's opening mark
+    quint64 skippedBytes = 0;     ///< bytes that went with a frame, before its opening mark
     quint64 bufferHighWater = 0;  ///< most bytes that a parsing pass has found waiting
-    quint64 sentBytes = 0;        ///< all that was given to the port
+    quint64 sentBytes = 0;        ///< all that was given to the port, the loop-back test's replies too
     quint64 sentFrames = 0;       ///< data frames, each transmission counted
     quint64 sentAcks = 0;
     quint64 sentNacks = 0;
@@ -67,7 +67,7 @@ public:
     quint64 cacheHighWater = 0;  ///< most frames that have waited at once
     quint64 answers = 0;         ///< answers that took a frame off the cache
     quint64 lastAnswerUs = 0;    ///< from the frame's first transmission to its answer
-    quint64 meanAnswerUs = 0;    ///< over all answers
+    quint64 meanAnswerUs = 0;    ///< over all answers to frames that had been sent
     quint64 maxAnswerUs = 0;
     quint64 connectRequests = 0;  ///< made, not counting retransmissions
     quint64 connectionChecks = 0; ///< made, not counting retransmissions
@@ -85,9 +85,11 @@ public:
 ///
 /// Owned by the protocol object: VelCanBusProtocol::linkHealth(). Always on.
 ///
-/// Threads: figures() may be called on any thread at any time; each figure is read by itself, so two figures of
-/// one reading may be a frame apart. commandEnded() is emitted on the thread that decides, which is the
-/// protocol's or the parser's; no lock is held.
+/// Threads: figures() may be called on any thread at any time; each figure is read by itself, so two figures
+/// of one reading may be a frame apart. What a signal of the protocol tells is counted before it is emitted,
+/// but for the bytes skipped before a frame. commandEnded() comes in order with the protocol's signals about
+/// writing and about the link's state, like them on the protocol's thread or the parser's; the state of
+/// sending is not locked then.
 class CANBUS_EXPORT LinkHealth : public QObject {
     Q_OBJECT
 
@@ -107,17 +109,24 @@ public:
     LinkFigures figures() const;
 
 Q_SIGNALS:
-    /// A frame has left the send cache, or was not let in. Connect requests and connection checks are commands
-    /// too.
+    /// A frame has left the send cache, or was not let in. Connect requests and connection checks are
+    /// commands too.
     /// @param frame  complete, as it went on the wire
-    /// @param transmissions  how often it was sent; 0 for NotAccepted
-    /// @param microseconds  from its first transmission to its end; 0 for NotAccepted
+    /// Two equal frames are two commands, each with its own transmissions and its own time.
+    /// @param transmissions  how often it was sent; 0 for NotAccepted, and for a frame that waited for its
+    /// first
+    ///   transmission when an answer with its id came
+    /// @param microseconds  from its first transmission to its end, by a clock that nobody sets; 0 where it
+    /// was
+    ///   not sent
     void commandEnded(QByteArray frame, canbus::LinkHealth::Fate fate, int transmissions,
                       qint64 microseconds);
 
 private:
+    friend class CanBusPlayerPrivate; // counts the port's errors
     friend class VelCanBusProtocolPrivate;
-    std::unique_ptr<LinkHealthPrivate> d;
+
+    std::shared_ptr<LinkHealthPrivate> d;
 };
 
 } // namespace canbus

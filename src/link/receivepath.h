@@ -12,6 +12,9 @@ namespace canbus::receive {
 /// A buffer that grows beyond this holds no frame that will end: it is thrown away.
 constexpr int kMaxBufferedBytes = 2048;
 
+/// An opening or closing mark: an escape and what it marks.
+constexpr int kMarkSize = 2;
+
 /// Which mark the last search for a frame's start has found; at most one is set.
 struct Markers {
     bool nack = false;
@@ -55,32 +58,50 @@ Check checkFrame(const QByteArray &buffer, int start, int end);
 /// check byte and the closing mark where exactly these come last.
 QByteArray takePayload(QByteArray &rest, quint8 checkByte);
 
+/// What a parsing pass has come to.
+struct Pass {
+    enum End {
+        Waits,    ///< no frame in the buffer, or not all of one
+        Taken,    ///< a frame has gone
+        BadCheck, ///< a frame has gone, and its check did not hold
+    };
+
+    End end = Waits;
+    int discarded = 0; ///< the size of a buffer that was thrown away
+    int skipped = 0;   ///< bytes that went with the frame, before its opening mark
+};
+
 /// One parsing pass: takes at most one frame off the buffer.
 ///
 /// `Steps` offers the named steps of the protocol class. What this function fixes is their order: the two
 /// searches around the unescaping, and that a frame goes whether its check holds or not, with everything
 /// before it.
 template <class Steps>
-void runPass(QByteArray &buffer, Steps &steps)
+Pass runPass(QByteArray &buffer, Steps &steps)
 {
+    Pass pass;
     if (buffer.isEmpty())
-        return;
+        return pass;
     if (buffer.size() > kMaxBufferedBytes) {
+        pass.discarded = buffer.size();
         buffer.clear();
-        return;
+        return pass;
     }
     int start = steps.onSearchDLE();
     int end = steps.onSearchDLE_ETX(start);
     if (end == -1)
-        return;
+        return pass;
     steps.onRemoveEscapeFrameHeaders(start, end);
     start = steps.onSearchDLE();
     end = steps.onSearchDLE_ETX(start);
-    if (steps.checkXOR(start, end)) {
+    pass.skipped = start - kMarkSize;
+    pass.end = steps.checkXOR(start, end) ? Pass::Taken : Pass::BadCheck;
+    if (pass.end == Pass::Taken) {
         steps.onProcessingFrameData(start, end);
         steps.onCategoryDataProcessing();
     }
     buffer.remove(0, end);
+    return pass;
 }
 
 } // namespace canbus::receive

@@ -10,11 +10,6 @@ namespace {
 
 constexpr int kIdIndex = 2;
 
-void write(LinkEffects &effects, const QByteArray &frame)
-{
-    effects.push_back({LinkEffect::Write, frame});
-}
-
 void start(LinkEffects &effects, LinkTimer timer)
 {
     effects.push_back({LinkEffect::StartTimer, {}, timer});
@@ -23,6 +18,12 @@ void start(LinkEffects &effects, LinkTimer timer)
 void stop(LinkEffects &effects, LinkTimer timer)
 {
     effects.push_back({LinkEffect::StopTimer, {}, timer});
+}
+
+void end(LinkEffects &effects, const QByteArray &frame, LinkHealth::Fate fate, int transmissions = 0,
+         qint64 microseconds = 0)
+{
+    effects.push_back({LinkEffect::Ended, frame, {}, transmissions, fate, microseconds});
 }
 
 QByteArray connectionFrame(quint8 id, quint8 purpose)
@@ -39,8 +40,10 @@ QByteArray connectionFrame(quint8 id, quint8 purpose)
 
 bool SendQueue::enqueue(const QByteArray &frame, LinkEffects &effects)
 {
-    if (m_cache.size() >= kCacheBound)
+    if (m_cache.size() >= kCacheBound) {
+        end(effects, frame, LinkHealth::Fate::NotAccepted);
         return false;
+    }
     m_cache.append(frame);
     restart(effects);
     return true;
@@ -51,9 +54,8 @@ void SendQueue::restart(LinkEffects &effects)
     if (m_cache.isEmpty())
         return;
     takeHead();
-    // Not reset: a head that is restarted by each command behind it is given up the sooner.
-    ++m_transmissions;
-    write(effects, m_current);
+    // Its count is not reset: a head that is restarted by each command behind it is given up the sooner.
+    transmit(effects);
     start(effects, LinkTimer::Send);
 }
 
@@ -64,17 +66,15 @@ bool SendQueue::resend(LinkEffects &effects)
         return true;
     }
     if (m_transmissions < kMaxTransmissions) {
-        ++m_transmissions;
-        write(effects, m_current);
+        transmit(effects);
         return false;
     }
+    endCurrent(LinkHealth::Fate::GivenUp, effects);
     if (!m_handshaking) {
         stop(effects, LinkTimer::CheckConnect);
         start(effects, LinkTimer::RequestConnect);
         effects.push_back({LinkEffect::LinkDown});
     }
-    m_cache.removeOne(m_current);
-    dropCurrent();
     if (m_cache.isEmpty())
         return true;
     // Not sent here: the next expiry does it, as the first transmission.
@@ -82,12 +82,14 @@ bool SendQueue::resend(LinkEffects &effects)
     return false;
 }
 
-void SendQueue::answered(quint8 id, LinkEffects &effects)
+void SendQueue::answered(quint8 id, LinkHealth::Fate fate, LinkEffects &effects)
 {
     if (id != m_currentId)
         return;
-    m_cache.removeOne(m_current);
-    dropCurrent();
+    if (m_cache.isEmpty())
+        dropCurrent();
+    else
+        endCurrent(fate, effects);
     if (m_cache.isEmpty())
         stop(effects, LinkTimer::Send);
     else
@@ -140,6 +142,22 @@ void SendQueue::takeHead()
 {
     m_current = m_cache.first();
     m_currentId = byteAt(m_current, kIdIndex);
+}
+
+void SendQueue::transmit(LinkEffects &effects)
+{
+    if (m_transmissions == 0)
+        m_firstSentUs = m_nowUs;
+    ++m_transmissions;
+    effects.push_back({LinkEffect::Write, m_current, {}, m_transmissions});
+}
+
+/// The current frame is the cache's head, so of several equal frames it is the first that goes.
+void SendQueue::endCurrent(LinkHealth::Fate fate, LinkEffects &effects)
+{
+    end(effects, m_current, fate, m_transmissions, m_transmissions > 0 ? m_nowUs - m_firstSentUs : 0);
+    m_cache.removeOne(m_current);
+    dropCurrent();
 }
 
 void SendQueue::dropCurrent()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "linkhealth.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 
@@ -22,11 +24,17 @@ struct LinkEffect {
         StopTimer,
         LinkUp,
         LinkDown,
+        Ended, ///< tell that the command `frame` is through with
     };
 
     Kind kind;
-    QByteArray frame = {};             ///< of Write
+    QByteArray frame = {};             ///< of Write and Ended
     LinkTimer timer = LinkTimer::Send; ///< of StartTimer and StopTimer
+    /// Of Write and Ended: how often the frame has been sent, this time included; 0 for what is not sent
+    /// again.
+    int transmissions = 0;
+    LinkHealth::Fate fate = LinkHealth::Fate::Acknowledged; ///< of Ended
+    qint64 microseconds = 0;                                ///< of Ended: since the first transmission
 };
 
 /// Effects in the order of the decisions. They must be carried out in this order.
@@ -35,7 +43,7 @@ using LinkEffects = std::deque<LinkEffect>;
 /// The sending half of the link as a state machine: the cache of frames that wait for their answers, their
 /// retransmission, the connect handshake and the loss of the link.
 ///
-/// No timer, thread, lock or signal in it. Operations go in; what is to be done comes out as effects,
+/// No timer, clock, thread, lock or signal in it. Operations go in; what is to be done comes out as effects,
 /// appended to the list that each operation is given. Exactly one frame, the cache's head, is under way at
 /// a time; an answer is matched by its id alone.
 class SendQueue {
@@ -46,8 +54,11 @@ public:
     static constexpr int kRequestConnectIntervalMs = 2000;
     static constexpr int kCheckConnectIntervalMs = 15000;
 
+    /// The time of the operations that follow, in microseconds since any moment.
+    void setNow(qint64 nowUs) { m_nowUs = nowUs; }
+
     /// Appends a command's frame and restarts sending.
-    /// @return false, with nothing changed, when the cache is at its bound
+    /// @return false, with nothing changed, when the cache is at its bound; the command has ended then
     bool enqueue(const QByteArray &frame, LinkEffects &effects);
 
     /// Sends the head of the cache at once, whatever was added behind it, and counts that as one more
@@ -60,7 +71,8 @@ public:
 
     /// An ACK or NACK with this id: takes the current frame off when the id is its own and moves on to the
     /// next. Any other id is ignored.
-    void answered(quint8 id, LinkEffects &effects);
+    /// @param fate  Acknowledged or Refused: what is told of the frame, and all that it changes
+    void answered(quint8 id, LinkHealth::Fate fate, LinkEffects &effects);
 
     /// An ACK with this id: reports the link up when it answers a connection check.
     void confirmLink(quint8 id, LinkEffects &effects) const;
@@ -88,11 +100,15 @@ public:
 
 private:
     void takeHead();
+    void transmit(LinkEffects &effects);
+    void endCurrent(LinkHealth::Fate fate, LinkEffects &effects);
     void dropCurrent();
 
     QList<QByteArray> m_cache;
     QByteArray m_current;
     QByteArray m_connectionId;
+    qint64 m_nowUs = 0;
+    qint64 m_firstSentUs = 0; // of the current frame, once it has been sent
     int m_transmissions = 0;
     quint8 m_currentId = 0;
     // There is no link to lose before the first connection.

@@ -37,7 +37,7 @@ VelCanBusProtocol::VelCanBusProtocol(QObject *parent)
             &VelCanBusProtocol::onSaveSendCmdData);
 
     // The parser thread uses these: they must be there before it is registered for the exit.
-    CanBusReadBuff::instance();
+    d->countReceivedBytes();
     CanBusDataMap::instance();
     QLoggingCategory::defaultCategory();
     auto *tickThread = new CanbusTickThread(nullptr, this);
@@ -60,6 +60,11 @@ void VelCanBusProtocol::analyseData(QByteArray data)
     TestSerialPort();
 }
 
+LinkHealth *VelCanBusProtocol::linkHealth() const
+{
+    return &d->health;
+}
+
 void VelCanBusProtocol::TestSerialPort()
 {
     static const QByteArray question("121314151617");
@@ -80,7 +85,9 @@ void VelCanBusProtocol::onParseDataTmrout()
     if (d->inPass)
         return;
     d->inPass = true;
-    receive::runPass(CanBusReadBuff::instance()->data, *this);
+    QByteArray &buffer = CanBusReadBuff::instance()->data;
+    d->counters().bufferHighWater.raiseTo(quint64(buffer.size()));
+    d->counters().countPass(receive::runPass(buffer, *this));
     d->inPass = false;
 }
 
@@ -95,8 +102,10 @@ int VelCanBusProtocol::onSearchDLE_ETX(int start)
 {
     const receive::End end = receive::findEnd(CanBusReadBuff::instance()->data, start);
     // On every pass until the missing byte has come, as the box expects it.
-    if (end.escapeIsLast && d->markers.stx)
+    if (end.escapeIsLast && d->markers.stx) {
+        d->counters().awaitingNacks.add();
         receiveModuleNAck();
+    }
     return end.index;
 }
 
@@ -150,6 +159,7 @@ void VelCanBusProtocol::onReceiveSaveData()
         d->decoded.MOD = rest.left(1);
     removeData1Bit(rest);
     d->decoded.DATA += receive::takePayload(rest, d->decoded.CS);
+    d->counters().countReceivedFrame(firstByte(d->decoded.TP), d->decoded.DATA.size());
     d->decoded.LogFrameData();
     onAllocateData();
     receiveModuleAck();
@@ -177,6 +187,7 @@ void VelCanBusProtocol::onReceiveSaveACKData()
 {
     if (d->frameBytes.isEmpty())
         return;
+    d->counters().receivedAcks.add();
     const quint8 id = firstByte(d->frameBytes);
     CANBUS_DEBUG() << "ack id---" << logging::hex(id) << logging::hex(d->look(&SendQueue::currentId));
     removeSendCmdData(char(id));
@@ -187,9 +198,10 @@ void VelCanBusProtocol::onReceiveSaveNACKData()
 {
     if (d->frameBytes.isEmpty())
         return;
+    d->counters().receivedNacks.add();
     const quint8 id = firstByte(d->frameBytes);
     CANBUS_DEBUG() << "nack id---" << logging::hex(id) << logging::hex(d->look(&SendQueue::currentId));
-    removeSendCmdData(char(id));
+    d->answered(id, LinkHealth::Fate::Refused);
 }
 
 void VelCanBusProtocol::restartSendTmr()
@@ -199,7 +211,7 @@ void VelCanBusProtocol::restartSendTmr()
 
 void VelCanBusProtocol::removeSendCmdData(char id)
 {
-    d->act([id](SendQueue &queue, LinkEffects &effects) { queue.answered(quint8(id), effects); });
+    d->answered(quint8(id), LinkHealth::Fate::Acknowledged);
 }
 
 void VelCanBusProtocol::onCheckConnectTmrout()
@@ -208,11 +220,13 @@ void VelCanBusProtocol::onCheckConnectTmrout()
         const quint8 id = d->look(&SendQueue::connectionId);
         CANBUS_DEBUG() << logging::hex(id) << SendQueue::connectionCheck(id);
     }
+    d->counters().connectionChecks.add();
     d->act([](SendQueue &queue, LinkEffects &effects) { queue.checkConnect(effects); });
 }
 
 void VelCanBusProtocol::onRequestConnect()
 {
+    d->counters().connectRequests.add();
     d->act([](SendQueue &queue, LinkEffects &effects) { queue.requestConnect(effects); });
 }
 

@@ -3,6 +3,7 @@
 #include "canbusexport.h"
 #include "canbuslog.h"
 #include "canbusprotocol.h"
+#include "linkhealth.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QMutex>
@@ -113,6 +114,9 @@ public:
     void analyseData(QByteArray data) override;
     void TestSerialPort();
 
+    /// The link's figures and the fates of its commands. Never null.
+    Q_INVOKABLE canbus::LinkHealth *linkHealth() const override;
+
     // The steps of a parsing pass, all over the data of CanBusReadBuff, whose mutex the caller holds.
 
     /// Searches the opening mark. @return the index behind it, or -1
@@ -145,7 +149,7 @@ public:
 
     /// Sends the head of the cache and restarts the period of retransmission.
     void restartSendTmr();
-    /// Removes the frame under way if it has this id, and sends the next.
+    /// Removes the frame under way if it has this id, as acknowledged, and sends the next.
     void removeSendCmdData(char id);
 
     // The parse operations: each stores the frame's record in CanBusDataMap and emits the category's signal.

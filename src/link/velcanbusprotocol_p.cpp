@@ -9,6 +9,29 @@ namespace canbus {
 VelCanBusProtocolPrivate::VelCanBusProtocolPrivate(VelCanBusProtocol *protocol)
     : q(protocol)
 {
+    m_clock.start();
+}
+
+VelCanBusProtocolPrivate::~VelCanBusProtocolPrivate()
+{
+    QObject::disconnect(m_receivedBytes);
+}
+
+void VelCanBusProtocolPrivate::countReceivedBytes()
+{
+    // The port's thread may be at it while the protocol goes: so it shares the counters and nothing else.
+    CanBusReadBuff *const buffer = CanBusReadBuff::instance();
+    m_receivedBytes = QObject::connect(
+        buffer, &CanBusReadBuff::received, buffer,
+        [counters = health.d](const QByteArray &block) {
+            counters->receivedBytes.add(quint64(block.size()));
+        },
+        Qt::DirectConnection);
+}
+
+void VelCanBusProtocolPrivate::answered(quint8 id, LinkHealth::Fate fate)
+{
+    act([id, fate](SendQueue &queue, LinkEffects &effects) { queue.answered(id, fate, effects); });
 }
 
 void VelCanBusProtocolPrivate::writeThrough(const QByteArray &block)
@@ -36,6 +59,7 @@ void VelCanBusProtocolPrivate::perform(const LinkEffect &effect)
 {
     switch (effect.kind) {
     case LinkEffect::Write:
+        counters().countWritten(effect.frame, effect.transmissions);
         Q_EMIT q->onWritPortData(effect.frame);
         break;
     case LinkEffect::StartTimer:
@@ -49,7 +73,12 @@ void VelCanBusProtocolPrivate::perform(const LinkEffect &effect)
         Q_EMIT q->notifyCanbusStatus(true);
         break;
     case LinkEffect::LinkDown:
+        counters().linkLosses.add();
         Q_EMIT q->notifyCanbusStatus(false);
+        break;
+    case LinkEffect::Ended:
+        counters().countEnded(effect.fate, effect.transmissions, effect.microseconds);
+        Q_EMIT health.commandEnded(effect.frame, effect.fate, effect.transmissions, effect.microseconds);
         break;
     }
 }

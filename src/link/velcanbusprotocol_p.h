@@ -1,9 +1,11 @@
 #pragma once
 
+#include "linkhealth_p.h"
 #include "receivepath.h"
 #include "sendqueue.h"
 #include "velcanbusprotocol.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QMutex>
 #include <QtCore/QTimer>
 
@@ -15,6 +17,7 @@ namespace canbus {
 class VelCanBusProtocolPrivate {
 public:
     explicit VelCanBusProtocolPrivate(VelCanBusProtocol *protocol);
+    ~VelCanBusProtocolPrivate();
 
     /// Lets `decide(queue, effects)` change the state of sending under its lock, then carries the effects
     /// out without it. The effects of all threads go through one list, and one thread at a time works it
@@ -24,7 +27,9 @@ public:
     {
         {
             QMutexLocker lock(&m_mutex);
+            m_queue.setNow(m_clock.nsecsElapsed() / 1000);
             decide(m_queue, m_effects);
+            counters().cacheHighWater.raiseTo(quint64(m_queue.cachedFrames()));
         }
         carryOut();
     }
@@ -37,8 +42,19 @@ public:
         return std::invoke(read, m_queue);
     }
 
+    /// An ACK or NACK with this id, or what stands for one.
+    void answered(quint8 id, LinkHealth::Fate fate);
+
+    /// Counts the bytes that the serial port receives, from now on.
+    void countReceivedBytes();
+
+    LinkHealthPrivate &counters() { return *health.d; }
+
     /// Writes a block that no answer is expected for, in order with all others.
     void writeThrough(const QByteArray &block);
+
+    // Any thread.
+    LinkHealth health;
 
     // Protocol's thread.
     QTimer checkConnectTimer;
@@ -61,10 +77,12 @@ private:
     QTimer *timerFor(LinkTimer timer);
 
     VelCanBusProtocol *const q;
+    QMetaObject::Connection m_receivedBytes;
 
     QMutex m_mutex; // guards all below; taken by both threads, held for no call to others
     SendQueue m_queue;
     LinkEffects m_effects;
+    QElapsedTimer m_clock;
     bool m_carryingOut = false;
 };
 

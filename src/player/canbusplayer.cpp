@@ -10,6 +10,7 @@
 #include "groups/velvehiclegroupcmd.h"
 #include "link/commandframe.h"
 #include "link/frameformat.h"
+#include "link/linkhealth_p.h"
 #include "link/wireconstants.h"
 #include "pindriver.h"
 #include "serialport.h"
@@ -96,6 +97,20 @@ CanBusPlayerPrivate::CanBusPlayerPrivate(CanBusPlayer *player)
     syncTimer.setTimerType(Qt::PreciseTimer);
 }
 
+void CanBusPlayerPrivate::countPortErrors(const CanbusProtocol *counting)
+{
+    if (!counting)
+        return;
+    QObject::disconnect(errorCount);
+    const LinkHealth *const health = counting->linkHealth();
+    if (!health)
+        return;
+    // Counted on the port's thread at once: the port may outlive the protocol, and so may the counters.
+    errorCount = QObject::connect(
+        serialPort, &SerialPort::error, serialPort, [counters = health->d] { counters->portErrors.add(); },
+        Qt::DirectConnection);
+}
+
 bool CanBusPlayerPrivate::openPort()
 {
     if (serialPort->thread() == QThread::currentThread())
@@ -157,6 +172,7 @@ void CanBusPlayer::init(CanbusProtocol *protocol)
         d->serialPort = new SerialPort;
     if (thread)
         startWorkerThread();
+    d->countPortErrors(protocol);
     if (d->openPort())
         join(CANBUS_HERE, protocol);
     if (!thread) {

@@ -2,6 +2,7 @@
 
 #include <QtCore/QList>
 #include <QtCore/QMap>
+#include <QtCore/QMetaObject>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
@@ -39,6 +40,10 @@ public:
     bool menuPlus = false;
     QStringList menuTexts;
 
+    QMetaObject::Connection errorCount;
+
+    /// Counts the port's errors in the protocol's health from now on, if it keeps one.
+    void countPortErrors(const CanbusProtocol *counting);
     /// Opens the port, on the thread that it lives on.
     bool openPort();
     void connectAll();

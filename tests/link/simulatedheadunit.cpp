@@ -39,6 +39,7 @@ QByteArray SimulatedHeadUnit::takeWritten()
 void SimulatedHeadUnit::advance(qint64 nowMs)
 {
     m_nowMs = nowMs;
+    m_queue.setNow(nowMs * 1000);
     receive::runPass(m_buffer, *this);
     if (isDue(LinkTimer::Send)) {
         startTimer(LinkTimer::Send);
@@ -108,8 +109,10 @@ void SimulatedHeadUnit::onProcessingFrameData(int start, int end)
 void SimulatedHeadUnit::onCategoryDataProcessing()
 {
     const quint8 id = firstByte(m_frame);
-    if (m_markers.nack || m_markers.ack)
-        m_queue.answered(id, m_effects);
+    if (m_markers.nack)
+        m_queue.answered(id, LinkHealth::Fate::Refused, m_effects);
+    if (m_markers.ack)
+        m_queue.answered(id, LinkHealth::Fate::Acknowledged, m_effects);
     if (m_markers.ack)
         m_queue.confirmLink(id, m_effects);
     if (m_markers.stx)
@@ -147,6 +150,7 @@ void SimulatedHeadUnit::carryOut()
         switch (effect.kind) {
         case LinkEffect::Write:
             m_written += effect.frame;
+            told.append(effect);
             break;
         case LinkEffect::StartTimer:
             startTimer(effect.timer);
@@ -160,6 +164,9 @@ void SimulatedHeadUnit::carryOut()
         case LinkEffect::LinkDown:
             linkLosses += m_linkUp ? 1 : 0;
             m_linkUp = false;
+            break;
+        case LinkEffect::Ended:
+            told.append(effect);
             break;
         }
     }

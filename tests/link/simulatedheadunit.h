@@ -41,6 +41,7 @@ public:
     int linkLosses = 0;
     int nacksSent = 0;
     QVector<Report> reports;
+    QVector<canbus::LinkEffect> told; ///< each transmission and end of a command, in order
 
     // The steps of a parsing pass.
     int onSearchDLE();

@@ -6,11 +6,12 @@
 #include <QtCore/QStringList>
 
 /// A send queue whose operations return the effects that they had, in words: "write 9f..", "start send",
-/// "stop request", "up", "down".
+/// "stop request", "up", "down", and if that is wanted "ended 9f.. acknowledged after 2 in 300 us".
 struct DescribedSendQueue {
     canbus::SendQueue queue;
     bool accepted = false;      ///< what the last enqueue() returned
     bool sendTimerEnds = false; ///< what the last resend() returned
+    bool tellsEnds = false;
 
     QStringList enqueue(const QByteArray &frame)
     {
@@ -28,9 +29,9 @@ struct DescribedSendQueue {
     QStringList request() { return effectsOf(&canbus::SendQueue::requestConnect); }
     QStringList check() { return effectsOf(&canbus::SendQueue::checkConnect); }
 
-    QStringList answer(int id)
+    QStringList answer(int id, canbus::LinkHealth::Fate fate = canbus::LinkHealth::Fate::Acknowledged)
     {
-        queue.answered(quint8(id), effects);
+        queue.answered(quint8(id), fate, effects);
         return takeEffects();
     }
 
@@ -62,8 +63,10 @@ private:
     QStringList takeEffects()
     {
         QStringList found;
-        for (const canbus::LinkEffect &effect : effects)
-            found += describe(effect);
+        for (const canbus::LinkEffect &effect : effects) {
+            if (effect.kind != canbus::LinkEffect::Ended || tellsEnds)
+                found += describe(effect);
+        }
         effects.clear();
         return found;
     }
@@ -81,6 +84,21 @@ private:
         return "?";
     }
 
+    static QString nameOf(canbus::LinkHealth::Fate fate)
+    {
+        switch (fate) {
+        case canbus::LinkHealth::Fate::Acknowledged:
+            return "acknowledged";
+        case canbus::LinkHealth::Fate::Refused:
+            return "refused";
+        case canbus::LinkHealth::Fate::GivenUp:
+            return "given up";
+        case canbus::LinkHealth::Fate::NotAccepted:
+            return "not accepted";
+        }
+        return "?";
+    }
+
     static QString describe(const canbus::LinkEffect &effect)
     {
         switch (effect.kind) {
@@ -94,6 +112,11 @@ private:
             return "up";
         case canbus::LinkEffect::LinkDown:
             return "down";
+        case canbus::LinkEffect::Ended:
+            return QStringLiteral("ended %1 %2 after %3 in %4 us")
+                .arg(QString::fromLatin1(effect.frame.toHex()), nameOf(effect.fate))
+                .arg(effect.transmissions)
+                .arg(effect.microseconds);
         }
         return "?";
     }

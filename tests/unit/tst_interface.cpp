@@ -61,11 +61,13 @@ class TestInterface : public QObject {
 
 private Q_SLOTS:
     void namesItsClasses();
+    void receiveBuffer();
     void theRestHasNeitherSignalsNorSlots();
     void serialPort();
     void serialPortKeepsReadingToItself();
     void canbusProtocol();
     void velCanBusProtocol();
+    void linkHealth();
     void canBusDataMap();
     void canBusPlayer();
     void canBusPlayerOperationsByName_data();
@@ -89,13 +91,19 @@ void TestInterface::namesItsClasses()
     QCOMPARE(VelCanBusProtocol::staticMetaObject.superClass(), &CanbusProtocol::staticMetaObject);
 }
 
-void TestInterface::theRestHasNeitherSignalsNorSlots()
+void TestInterface::receiveBuffer()
 {
     QCOMPARE(CanBusReadBuff::staticMetaObject.className(), "canbus::CanBusReadBuff");
+    QCOMPARE(signalsOf(CanBusReadBuff::staticMetaObject), QStringList {"void received(QByteArray block)"});
+    QCOMPARE(slotsOf(CanBusReadBuff::staticMetaObject), QStringList());
+}
+
+void TestInterface::theRestHasNeitherSignalsNorSlots()
+{
     QCOMPARE(FrameDataFormat::staticMetaObject.className(), "canbus::FrameDataFormat");
     QCOMPARE(CanbusTickThread::staticMetaObject.className(), "canbus::CanbusTickThread");
-    for (const QMetaObject *type : {&CanBusReadBuff::staticMetaObject, &FrameDataFormat::staticMetaObject,
-                                    &CanbusTickThread::staticMetaObject}) {
+    for (const QMetaObject *type :
+         {&FrameDataFormat::staticMetaObject, &CanbusTickThread::staticMetaObject}) {
         QCOMPARE(type->methodCount(), type->methodOffset());
         QCOMPARE(type->propertyCount(), type->propertyOffset());
     }
@@ -161,6 +169,19 @@ void TestInterface::velCanBusProtocol()
                  "void onSaveSendCmdData(QByteArray data)",
              }));
     QCOMPARE(signalsOf(VelCanBusProtocol::staticMetaObject), QStringList());
+}
+
+void TestInterface::linkHealth()
+{
+    QCOMPARE(LinkHealth::staticMetaObject.className(), "canbus::LinkHealth");
+    QCOMPARE(signalsOf(LinkHealth::staticMetaObject),
+             QStringList {"void commandEnded(QByteArray frame, canbus::LinkHealth::Fate fate, "
+                          "int transmissions, qlonglong microseconds)"});
+    QCOMPARE(slotsOf(LinkHealth::staticMetaObject), QStringList());
+    const QMetaObject &protocol = VelCanBusProtocol::staticMetaObject;
+    const int index = protocol.indexOfMethod("linkHealth()");
+    QVERIFY(index >= 0);
+    QCOMPARE(written(protocol.method(index)), QStringLiteral("canbus::LinkHealth* linkHealth()"));
 }
 
 void TestInterface::canBusDataMap()

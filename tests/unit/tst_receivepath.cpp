@@ -268,8 +268,10 @@ void ReceivePathTest::takesNoStepOverAnEmptyBuffer()
 {
     QByteArray buffer;
     ScriptedSteps steps {buffer, {}, {}};
-    receive::runPass(buffer, steps);
+    const receive::Pass pass = receive::runPass(buffer, steps);
     QCOMPARE(steps.calls, QStringList());
+    QCOMPARE(pass.end, receive::Pass::Waits);
+    QCOMPARE(pass.discarded, 0);
 }
 
 void ReceivePathTest::discardsMoreThan2048Bytes()
@@ -277,25 +279,32 @@ void ReceivePathTest::discardsMoreThan2048Bytes()
     QByteArray buffer = QByteArray(2041, 'A') + bytes("9f 02 21 08 00 29 9f 03");
     QCOMPARE(buffer.size(), 2049);
     ScriptedSteps steps {buffer, {}, {}};
-    receive::runPass(buffer, steps);
+    const receive::Pass pass = receive::runPass(buffer, steps);
     QCOMPARE(steps.calls, QStringList());
     QCOMPARE(buffer, QByteArray());
+    QCOMPARE(pass.end, receive::Pass::Waits);
+    QCOMPARE(pass.discarded, 2049);
+    QCOMPARE(pass.skipped, 0);
 }
 
 void ReceivePathTest::searches2048Bytes()
 {
     QByteArray buffer(2048, 'A');
     ScriptedSteps steps {buffer, {-1}, {-1}};
-    receive::runPass(buffer, steps);
+    const receive::Pass pass = receive::runPass(buffer, steps);
     QCOMPARE(steps.calls, (QStringList {"start", "end from -1"}));
     QCOMPARE(buffer, QByteArray(2048, 'A'));
+    QCOMPARE(pass.discarded, 0);
+    QCOMPARE(pass.skipped, 0);
 }
 
 void ReceivePathTest::keepsAnIncompleteFrame()
 {
     QByteArray buffer = bytes("41 9f 02 21");
     ScriptedSteps steps {buffer, {3}, {-1}};
-    receive::runPass(buffer, steps);
+    const receive::Pass pass = receive::runPass(buffer, steps);
+    QCOMPARE(pass.end, receive::Pass::Waits);
+    QCOMPARE(pass.skipped, 0);
     QCOMPARE(steps.calls, (QStringList {"start", "end from 3"}));
     QCOMPARE(buffer.toHex(), bytes("41 9f 02 21").toHex());
 }
@@ -304,7 +313,10 @@ void ReceivePathTest::checksWhatTheSecondSearchFinds()
 {
     QByteArray buffer = bytes("00 01 02 03 04 05 06 07 08 09 0a");
     ScriptedSteps steps {buffer, {2, 3}, {10, 9}};
-    receive::runPass(buffer, steps);
+    const receive::Pass pass = receive::runPass(buffer, steps);
+    QCOMPARE(pass.end, receive::Pass::Taken);
+    QCOMPARE(pass.skipped, 1);
+    QCOMPARE(pass.discarded, 0);
     QCOMPARE(steps.calls,
              (QStringList {"start", "end from 2", "unescape 2 to 10", "start", "end from 3", "check 3 to 9",
                            "take 3 to 9", "dispatch"}));
@@ -315,10 +327,12 @@ void ReceivePathTest::checksWhatTheSecondSearchFinds()
 void ReceivePathTest::removesAFrameWhoseCheckFails()
 {
     QByteArray buffer = bytes("00 01 02 03 04 05 06 07");
-    ScriptedSteps steps {buffer, {2, 2}, {6, 5}, false};
-    receive::runPass(buffer, steps);
+    ScriptedSteps steps {buffer, {4, 4}, {6, 5}, false};
+    const receive::Pass pass = receive::runPass(buffer, steps);
+    QCOMPARE(pass.end, receive::Pass::BadCheck);
+    QCOMPARE(pass.skipped, 2);
     QCOMPARE(steps.calls,
-             (QStringList {"start", "end from 2", "unescape 2 to 6", "start", "end from 2", "check 2 to 5"}));
+             (QStringList {"start", "end from 4", "unescape 4 to 6", "start", "end from 4", "check 4 to 5"}));
     QCOMPARE(buffer.toHex(), bytes("05 06 07").toHex());
 }
 

@@ -73,7 +73,8 @@ expect_names_and_paths() {
 # operator; weak instantiations of the standard library are nobody's interface.
 expect_exports() {
     local classes='CanBusPlayer|CanBusDataMap|CanBusReadBuff|CanbusProtocol|CanbusTickThread|FrameDataFormat'
-    classes+='|SerialPort|VelCanBusProtocol|VelClimateGroupCmd|VelGaugesGroupCmd|VelParkingGroupCmd|VelVehicleGroupCmd'
+    classes+='|LinkFigures|LinkHealth|SerialPort|VelCanBusProtocol'
+    classes+='|VelClimateGroupCmd|VelGaugesGroupCmd|VelParkingGroupCmd|VelVehicleGroupCmd'
     local names strangers
     names=$(nm -DC --defined-only "$prefix/lib/libcanbusservice.so" | cut -d ' ' -f 2-)
     grep -q '^. canbus::CanBusPlayer::staticMetaObject$' <<<"$names" || fail "the facade is not exported"
