@@ -27,7 +27,7 @@ constexpr qint64 kShortestLoopGapMs = 20;
 
 constexpr quint8 kReadyReplyId = 0x40;
 
-/// The time of each block since the first, never backwards.
+/// The time of each block since the first.
 QVector<qint64> timesOf(const QVector<Block> &blocks)
 {
     QVector<qint64> times;
@@ -37,7 +37,7 @@ QVector<qint64> timesOf(const QVector<Block> &blocks)
         const qint64 stepUs = block.timeUs - zeroUs - lastUs;
         if (stepUs < -kDisorderUs || stepUs > kLongestPauseUs)
             zeroUs += stepUs;
-        lastUs = qMax(lastUs, block.timeUs - zeroUs);
+        lastUs = block.timeUs - zeroUs;
         times.append(lastUs);
     }
     return times;
@@ -210,7 +210,7 @@ void Replay::load(const Recording &recording)
 }
 
 /// The recorded link is not up yet when the head unit asked for it before the box said anything about it, or
-/// when this is the first frame of the box.
+/// when this is the first frame of the box. Where the box never says anything, nothing is answered here.
 void Replay::findHandshake(const QVector<Block> &blocks)
 {
     const int none = blocks.size();
@@ -228,7 +228,7 @@ void Replay::observe(const Event &event, qint64 nowMs)
         return;
     if (m_beginMs == kNever)
         m_beginMs = nowMs;
-    if (m_hasHandshake && m_ready && event.command.action == Action::ConnectRequest)
+    if (m_ready && event.command.action == Action::ConnectRequest)
         m_owedMs = nowMs;
 }
 

@@ -74,8 +74,8 @@ private:
     QVector<Entry> m_entries;
     bool m_loop;
     bool m_hasHandshake = false;
-    bool m_beginsReady = true; ///< the recorded link was up at the beginning
-    bool m_ready = true;       ///< the recorded link is up
+    bool m_beginsReady = false; ///< the recorded link was up at the beginning
+    bool m_ready = false;       ///< the recorded link is up
     int m_next = 0;
     qint64 m_beginMs = kNever;
     qint64 m_owedMs = kNever; ///< since when a ready reply is owed

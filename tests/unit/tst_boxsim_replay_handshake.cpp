@@ -11,6 +11,7 @@ private Q_SLOTS:
     void tellsWhetherTheRecordingHasAHandshake_data();
     void tellsWhetherTheRecordingHasAHandshake();
     void leavesTheFirstRequestToTheRecording();
+    void leavesTheFirstRequestToABoxThatSpeaksFirst();
     void answersARequestAfterTheRecordedHandshake();
     void leavesRequestsToARecordedBoxThatIsNotReady();
     void answersRequestsUntilTheFirstVersionFrameOfALinkThatWasUp();
@@ -18,6 +19,7 @@ private Q_SLOTS:
     void answersNothingButConnectRequests();
     void answersARequestBehindTheFrameThatIsUnderWay();
     void saysReadyWhenARecordingBeginsAgainWithTheLinkUp();
+    void saysNothingWhenTheLinkStaysUpAsTheRecordingBeginsAgain();
 };
 
 void TestBoxsimReplayHandshake::tellsWhetherTheRecordingHasAHandshake_data()
@@ -57,6 +59,14 @@ void TestBoxsimReplayHandshake::leavesTheFirstRequestToTheRecording()
     all += player.run(10000);
 
     QCOMPARE(all, QStringList({at(10, kLabels), at(4100, kReady), told(4100, kEnd)}));
+}
+
+void TestBoxsimReplayHandshake::leavesTheFirstRequestToABoxThatSpeaksFirst()
+{
+    Player player({received(0, kNotReady), received(7000000, kReady), sent(7001000, kConnectionCheck)});
+    player.observe(0, Action::ConnectRequest);
+
+    QCOMPARE(player.run(10000), QStringList({at(0, kNotReady), at(0, kReady), told(0, kEnd)}));
 }
 
 void TestBoxsimReplayHandshake::answersARequestAfterTheRecordedHandshake()
@@ -136,6 +146,14 @@ void TestBoxsimReplayHandshake::saysReadyWhenARecordingBeginsAgainWithTheLinkUp(
 
     QCOMPARE(player.run(200),
              QStringList({at(0, kLabels), at(100, kNotReady), told(200, kOwnReady), at(200, kLabels)}));
+}
+
+void TestBoxsimReplayHandshake::saysNothingWhenTheLinkStaysUpAsTheRecordingBeginsAgain()
+{
+    Player player({received(0, kLabels), received(100000, kReady)}, true);
+    player.observe(0, Action::None);
+
+    QCOMPARE(player.run(200), QStringList({at(0, kLabels), at(100, kReady), at(200, kLabels)}));
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimReplayHandshake)
