@@ -87,11 +87,21 @@ private:
         return handler;
     }
 
+    /// One compiler names a function f(const T&), another one f(const T &): here all read like the first.
+    static QString spelledAlike(const QString &text)
+    {
+        const int end = text.indexOf(QLatin1String(" -- "));
+        QString function = text.left(end);
+        function.replace(QLatin1String(" &"), QLatin1String("&"))
+            .replace(QLatin1String(" *"), QLatin1String("*"));
+        return end < 0 ? text : function + text.mid(end);
+    }
+
     static void handle(QtMsgType type, const QMessageLogContext &context, const QString &text)
     {
         {
             QMutexLocker lock(&store().mutex);
-            store().lines.append({type, QString::fromUtf8(context.category), text});
+            store().lines.append({type, QString::fromUtf8(context.category), spelledAlike(text)});
         }
         const bool ours =
             text.startsWith(QLatin1String("[DBG] ")) || text.startsWith(QLatin1String("[ERR] "));
