@@ -39,13 +39,6 @@ bool keepsLink(Action action)
     return action == Action::ConnectRequest || action == Action::ConnectionCheck;
 }
 
-qint64 earlier(qint64 a, qint64 b)
-{
-    if (a == kNever || b == kNever)
-        return qMax(a, b);
-    return qMin(a, b);
-}
-
 } // namespace
 
 Box::Box(const BoxOptions &options, const BenchState &state)
@@ -80,7 +73,7 @@ qint64 Box::dueMs() const
         return kNever;
     const qint64 nextStep = (m_driveMs / kDriveStepMs + 1) * kDriveStepMs;
     const qint64 drive = m_options.drive ? nextStep : kNever;
-    return earlier(m_sender.dueMs(), drive);
+    return earliest({m_sender.dueMs(), drive});
 }
 
 void Box::setState(const BenchState &state)

@@ -26,16 +26,6 @@ QByteArray escaped(const QByteArray &bytes)
     return QByteArray(bytes).replace("\x9f", "\x9f\x9f");
 }
 
-qint64 earliest(std::initializer_list<qint64> times)
-{
-    qint64 found = kNever;
-    for (const qint64 time : times) {
-        if (time != kNever && (found == kNever || time < found))
-            found = time;
-    }
-    return found;
-}
-
 } // namespace
 
 FaultyLine::FaultyLine(quint32 seed)

@@ -2,7 +2,7 @@
 
 #include "boxsim/faults.h"
 #include "boxsim/random.h"
-#include "boxsim/sender.h"
+#include "boxsim/times.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QHash>

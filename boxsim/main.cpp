@@ -58,7 +58,11 @@ int run(QCoreApplication &application, const Options &options, int endingSignals
     if (!line)
         return fail(kRunTimeFailure, error);
 
-    Session session(line.get(), options.faults, options.silentAfterMs, options.split);
+    BenchOptions bench;
+    bench.faults = options.faults;
+    bench.silentAfterMs = options.silentAfterMs;
+    bench.faults.split = options.split;
+    Session session(line.get(), bench);
     QObject::connect(&session, &Session::happened, &application,
                      [&options](const Event &event) { print(options.json ? toJson(event) : toLine(event)); });
     QObject::connect(line.get(), &Line::failed, &application,

@@ -1,5 +1,6 @@
 #include "line.h"
 
+#include <QtCore/QSignalBlocker>
 #include <QtSerialPort/QSerialPort>
 
 namespace boxsim {
@@ -8,24 +9,51 @@ namespace {
 
 class PortLine : public Line {
 public:
+    PortLine()
+    {
+        connect(&m_port, &QSerialPort::readyRead, this, [this] { Q_EMIT received(m_port.readAll()); });
+        connect(&m_port, &QSerialPort::errorOccurred, this, [this] { fail(); });
+    }
+
+    /// What was written last may still wait for its turn.
+    ~PortLine() override
+    {
+        if (m_port.isOpen())
+            m_port.flush();
+    }
+
     bool open(const QString &device, int baudRate, QString *error)
     {
         m_port.setPortName(device);
         m_port.setBaudRate(baudRate);
-        if (!m_port.open(QIODevice::ReadWrite)) {
-            *error = QStringLiteral("cannot open %1: %2: name a serial device with --port")
-                         .arg(device, m_port.errorString());
-            return false;
-        }
-        connect(&m_port, &QSerialPort::readyRead, this, [this] { Q_EMIT received(m_port.readAll()); });
-        connect(&m_port, &QSerialPort::errorOccurred, this, [this] { fail(); });
-        return true;
+        // Otherwise an error in opening would be taken for one of the open port.
+        const QSignalBlocker blocker(m_port);
+        if (m_port.open(QIODevice::ReadWrite))
+            return true;
+        *error = QStringLiteral("cannot open %1: %2: name a serial device with --port")
+                     .arg(device, m_port.errorString());
+        return false;
     }
 
     void write(const QByteArray &block) override
     {
         if (m_port.isOpen())
             m_port.write(block);
+    }
+
+    /// Not at once: the port may be about to tell of bytes.
+    void hangUp() override
+    {
+        QMetaObject::invokeMethod(
+            this, [this] { m_port.close(); }, Qt::QueuedConnection);
+    }
+
+    void comeBack() override
+    {
+        m_port.close();
+        QString error;
+        if (!open(m_port.portName(), m_port.baudRate(), &error))
+            Q_EMIT failed(error);
     }
 
 private:

@@ -34,14 +34,15 @@ public:
         : m_fd(fd)
     {
     }
-    ~Descriptor()
+    ~Descriptor() { reset(-1); }
+    Q_DISABLE_COPY(Descriptor)
+
+    void reset(int fd)
     {
         if (m_fd >= 0)
             ::close(m_fd);
+        m_fd = fd;
     }
-    Q_DISABLE_COPY(Descriptor)
-
-    void reset(int fd) { m_fd = fd; }
     int get() const { return m_fd; }
 
 private:
@@ -91,6 +92,11 @@ bool makeLink(const QByteArray &target, const QByteArray &link, QString *error)
 
 class PtyLine : public Line {
 public:
+    PtyLine()
+    {
+        connect(&m_shareTimer, &QTimer::timeout, this, [this] { share(); });
+    }
+
     ~PtyLine() override { removeLink(); }
 
     bool open(const QByteArray &link, QString *error)
@@ -102,11 +108,33 @@ public:
         if (!makeLink(m_slaveName, link, error))
             return false;
         m_link = link;
-        m_notifier = std::make_unique<QSocketNotifier>(m_master.get(), QSocketNotifier::Read);
-        connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { readAll(); });
-        connect(&m_shareTimer, &QTimer::timeout, this, [this] { share(); });
+        m_notifier = new QSocketNotifier(m_master.get(), QSocketNotifier::Read, this);
+        connect(m_notifier, &QSocketNotifier::activated, this, [this] { readAll(); });
         m_shareTimer.start(kShareIntervalMs);
         return true;
+    }
+
+    /// The link goes first: the number of the pseudo-terminal may soon be somebody else's.
+    void hangUp() override
+    {
+        removeLink();
+        m_shareTimer.stop();
+        if (m_notifier) {
+            m_notifier->setEnabled(false);
+            // It may be what has just told of bytes.
+            m_notifier->deleteLater();
+            m_notifier = nullptr;
+        }
+        m_slave.reset(-1);
+        m_master.reset(-1);
+    }
+
+    void comeBack() override
+    {
+        hangUp();
+        QString error;
+        if (!open(m_link, &error))
+            Q_EMIT failed(error);
     }
 
     void write(const QByteArray &block) override
@@ -167,15 +195,16 @@ private:
 
     void removeLink()
     {
-        if (!m_link.isEmpty() && targetOf(m_link) == m_slaveName)
+        if (!m_slaveName.isEmpty() && targetOf(m_link) == m_slaveName)
             ::unlink(m_link.constData());
+        m_slaveName.clear();
     }
 
     Descriptor m_master;
     Descriptor m_slave;
     QByteArray m_slaveName;
     QByteArray m_link;
-    std::unique_ptr<QSocketNotifier> m_notifier;
+    QSocketNotifier *m_notifier = nullptr; // a child
     QTimer m_shareTimer;
 };
 

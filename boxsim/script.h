@@ -21,6 +21,10 @@ public:
 
     /// When advance() will have something to do, or kNever.
     virtual qint64 dueMs() const = 0;
+
+    /// Whether what it has sent so far ends within a frame that it has still to complete. What the box itself
+    /// has to write waits for that.
+    virtual bool isInsideFrame() const { return false; }
 };
 
 } // namespace boxsim

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "boxsim/times.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QHash>
 #include <QtCore/QVector>
@@ -12,9 +14,6 @@ constexpr int kTransmissions = 3;
 /// The head unit takes one frame in 10 ms, answers included. A data frame every 20 ms at most leaves it
 /// every second turn for those.
 constexpr qint64 kFrameSpacingMs = 20;
-
-/// No time at all.
-constexpr qint64 kNever = -1;
 
 /// The box's own data frames on their way to the head unit. Pure: time comes in as an argument.
 ///

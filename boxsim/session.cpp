@@ -1,61 +1,60 @@
 #include "session.h"
 
+#include <limits>
+#include <utility>
+
 namespace boxsim {
 
-Session::Session(Line *line, const Faults &faults, qint64 silentAfterMs, bool split, QObject *parent)
+Session::Session(Line *line, const BenchOptions &options, std::unique_ptr<Script> script, QObject *parent)
     : QObject(parent)
     , m_line(line)
-    , m_box({}, {{}, {}, {}, faults})
-    , m_silentAfterMs(silentAfterMs)
-    , m_split(split)
+    , m_bench(options, std::move(script))
 {
     m_clock.start();
     m_timer.setSingleShot(true);
     m_timer.setTimerType(Qt::PreciseTimer);
-    connect(&m_timer, &QTimer::timeout, this, [this] {
-        fallSilentWhenDue();
-        perform(m_box.advance(m_clock.elapsed()));
-    });
+    connect(&m_timer, &QTimer::timeout, this, [this] { perform(m_bench.advance(m_clock.elapsed())); });
     connect(line, &Line::received, this,
-            [this](const QByteArray &bytes) { perform(m_box.receive(bytes, m_clock.elapsed())); });
-    wakeWhenDue();
+            [this](const QByteArray &bytes) { perform(m_bench.receive(bytes, m_clock.elapsed())); });
+    m_timer.start(0);
 }
 
-void Session::fallSilentWhenDue()
+void Session::setState(const BenchState &state)
 {
-    if (m_silentAfterMs == kNever || m_clock.elapsed() < m_silentAfterMs)
-        return;
-    BenchState state = m_box.state();
-    state.faults.silence = true;
-    m_box.setState(state);
+    perform(m_bench.setState(state, m_clock.elapsed()));
 }
 
-void Session::perform(const Output &output)
+void Session::perform(const BenchOutput &output)
 {
-    for (const QByteArray &block : output.writes)
-        write(block);
+    for (const LineStep &step : output.line)
+        carryOut(step);
     for (const Event &event : output.events)
         Q_EMIT happened(event);
     wakeWhenDue();
+    if (m_bench.ending() == Ending::None || std::exchange(m_hasEnded, true))
+        return;
+    Q_EMIT ended(m_bench.failure());
 }
 
-void Session::write(const QByteArray &block)
+void Session::carryOut(const LineStep &step)
 {
-    if (!m_split)
-        return m_line->write(block);
-    for (const char byte : block)
-        m_line->write(QByteArray(1, byte));
+    switch (step.kind) {
+    case LineStep::Kind::Write:
+        return m_line->write(step.bytes);
+    case LineStep::Kind::HangUp:
+        return m_line->hangUp();
+    case LineStep::Kind::Return:
+        return m_line->comeBack();
+    }
 }
 
 void Session::wakeWhenDue()
 {
-    const qint64 silent = m_box.isSilent() ? kNever : m_silentAfterMs;
-    const qint64 box = m_box.dueMs();
-    const qint64 due = silent == kNever || box == kNever ? qMax(silent, box) : qMin(silent, box);
+    const qint64 due = m_bench.dueMs();
     if (due == kNever)
-        m_timer.stop();
-    else
-        m_timer.start(int(qMax<qint64>(due - m_clock.elapsed(), 0)));
+        return m_timer.stop();
+    constexpr qint64 kLongest = std::numeric_limits<int>::max();
+    m_timer.start(int(qBound<qint64>(0, due - m_clock.elapsed(), kLongest)));
 }
 
 } // namespace boxsim

@@ -1,38 +1,48 @@
 #pragma once
 
-#include "boxsim/box.h"
+#include "boxsim/bench.h"
 #include "boxsim/line.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
+#include <memory>
+
 namespace boxsim {
 
-/// A box on a line, in real time. Lives on the thread of its event loop; does not own the line.
+/// A bench on a line, in real time. Lives on the thread of its event loop; does not own the line.
 class Session : public QObject {
     Q_OBJECT
 
 public:
+    /// The bench's time begins with the event loop.
     /// @param line  the box's end, which lives longer than the session
-    /// @param faults  what is wrong with the box, whose time begins now
-    /// @param split  writes each byte on its own
-    Session(Line *line, const Faults &faults, qint64 silentAfterMs, bool split, QObject *parent = nullptr);
+    /// @param script  what leads the bench, or null
+    Session(Line *line, const BenchOptions &options, std::unique_ptr<Script> script = {},
+            QObject *parent = nullptr);
+
+    const BenchState &state() const { return m_bench.state(); }
+
+    /// Changes the state from outside, at once.
+    void setState(const BenchState &state);
 
 Q_SIGNALS:
-    /// Something happened on the line.
+    /// Something happened on the bench.
     void happened(const boxsim::Event &event);
 
+    /// The script has ended the run. Emitted once, after everything else.
+    /// @param failure  why it ended with a failure; null when it ended well
+    void ended(const QString &failure);
+
 private:
-    void fallSilentWhenDue();
-    void perform(const Output &output);
-    void write(const QByteArray &block);
+    void perform(const BenchOutput &output);
+    void carryOut(const LineStep &step);
     void wakeWhenDue();
 
     Line *m_line;
-    Box m_box;
-    qint64 m_silentAfterMs;
-    bool m_split;
+    Bench m_bench;
+    bool m_hasEnded = false;
     QElapsedTimer m_clock;
     QTimer m_timer;
 };

@@ -309,9 +309,13 @@ void TestBoxsimLine::answersOnTheLine()
     class RecordedLine : public Line {
     public:
         void write(const QByteArray &block) override { blocks.append(block); }
+        void hangUp() override { }
+        void comeBack() override { }
         QVector<QByteArray> blocks;
     } line;
-    boxsim::Session session(&line, boxsim::Faults(), boxsim::kNever, split);
+    boxsim::BenchOptions options;
+    options.faults.split = split;
+    boxsim::Session session(&line, options);
     QStringList commands;
     connect(&session, &boxsim::Session::happened, this,
             [&commands](const boxsim::Event &event) { commands.append(event.command.name); });
