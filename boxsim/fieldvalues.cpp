@@ -55,13 +55,6 @@ QString describe(const QVariant &value)
     }
 }
 
-QString rangeText(const Field &field)
-{
-    const QString kind =
-        field.kind == FieldKind::Number ? QStringLiteral("a whole number") : QStringLiteral("a number");
-    return QStringLiteral("%1 from %2 to %3").arg(kind, numberText(field.least), numberText(field.most));
-}
-
 bool readNumber(const Field &field, const QVariant &given, QVariant *value)
 {
     const double number = given.toDouble();
@@ -142,11 +135,11 @@ bool readEntry(const Field &field, const QVariant &given, QVariant *value, QStri
     const QString instead = QStringLiteral(", not ") + describe(given);
     switch (field.kind) {
     case FieldKind::Flag:
-        *wanted = field.words.join(QStringLiteral(" or ")) + instead;
+        *wanted = wantedBy(field) + instead;
         return readFlag(field, given, value);
     case FieldKind::Number:
     case FieldKind::Share:
-        *wanted = rangeText(field) + instead;
+        *wanted = wantedBy(field) + instead;
         return readNumber(field, given, value);
     case FieldKind::Text:
         return readText(given, value, wanted);
@@ -207,6 +200,25 @@ QString textOfEntry(const Field &field, const QVariant &value)
 }
 
 } // namespace
+
+QString wantedBy(const Field &field)
+{
+    const QString range =
+        QStringLiteral("number from %1 to %2").arg(numberText(field.least), numberText(field.most));
+    switch (field.kind) {
+    case FieldKind::Flag:
+        return field.words.join(QStringLiteral(" or "));
+    case FieldKind::Number:
+        return QStringLiteral("a whole ") + range;
+    case FieldKind::Share:
+        return QStringLiteral("a ") + range;
+    case FieldKind::Text:
+        return QStringLiteral("a text");
+    case FieldKind::Texts:
+        return QStringLiteral("a list of at most %1 texts").arg(int(field.most));
+    }
+    return {};
+}
 
 bool checkEntry(const Field &field, const QString &name, const QVariant &given, QVariant *value,
                 QString *error)

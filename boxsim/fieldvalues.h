@@ -8,6 +8,9 @@ namespace boxsim {
 /// frame of which every byte is escaped still stays below the 2048 bytes at which the head unit gives up.
 constexpr int kMostTextBytes = 1000;
 
+/// What a field takes, or each of its entries: "a whole number from 0 to 255".
+QString wantedBy(const Field &field);
+
 /// Checks the value of one entry of a field, or of a field that has one value.
 /// @param name  what the error calls it
 /// @param value  gets what was given in the form that Assignment has
