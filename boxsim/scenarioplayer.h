@@ -4,6 +4,7 @@
 #include "boxsim/script.h"
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace boxsim {
@@ -39,7 +40,7 @@ private:
         const Step *step;
         qint64 beganMs;
         qint64 nextMs;
-        QVector<int> shown; ///< the value of each curve that was set last
+        std::vector<std::optional<int>> shown; ///< the value of each curve that was set last
     };
 
     void runUntil(qint64 nowMs);
