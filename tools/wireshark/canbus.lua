@@ -571,20 +571,22 @@ end
 -- Reads the frame that begins at `start`. Nil: it goes on behind `bytes`. Else its last byte, and what is
 -- wrong with it.
 local function frame_end(bytes, start)
-    local most = bytes:byte(start + 1) == STX and LONGEST_FRAME or 2
+    local most = bytes:byte(start + 1) ~= STX and 2
     local count = 0
     local i = start + 2
     while i <= #bytes do
         local after = bytes:byte(i + 1)
         local escaped = bytes:byte(i) == DLE
-        if escaped and after == ETX then
+        if i - start >= LONGEST_FRAME - 1 then
+            return i - 1, "no end within 2048 bytes"
+        elseif escaped and after == ETX then
             return i + 1
         elseif escaped and after == nil then
             return nil
         elseif escaped and after ~= DLE then
             return begins_frame(after) and i - 1 or i + 1, ("9F in front of %02X inside a frame"):format(after)
-        elseif count == most or i - start >= LONGEST_FRAME then
-            return i - 1, most == 2 and "an answer is the id twice and the end" or "no end within 2048 bytes"
+        elseif count == most then
+            return i - 1, "an answer is the id twice and the end"
         end
         count = count + 1
         i = i + (escaped and 2 or 1)
@@ -854,7 +856,7 @@ end
 
 local function text_of(value)
     if type(value) == "string" then
-        return '"' .. value .. '"'
+        return '"' .. value:gsub("%c", " ") .. '"'
     end
     if type(value) == "boolean" then
         return value and "1" or "0"
