@@ -1,5 +1,7 @@
 #include "boxsim/fields.h"
 
+#include <QtCore/QFile>
+#include <QtCore/QRegularExpression>
 #include <QtCore/QSet>
 #include <QtTest/QtTest>
 
@@ -20,6 +22,7 @@ private Q_SLOTS:
     void namesEachFieldOnce();
     void describesEachFieldInALine();
     void findsFieldsAndEntriesByTheirNames();
+    void isWrittenDownBesideTheBytes();
 };
 
 namespace {
@@ -206,6 +209,25 @@ void TestBoxsimFieldTable::findsFieldsAndEntriesByTheirNames()
     QCOMPARE(entry, 4);
     QVERIFY(!boxsim::findField("screens.supported.6", &field, &entry, &error));
     QCOMPARE(error, QString("screens.supported has the entries 1 to 5, not 6"));
+}
+
+/// Both ways: each item that goes on the wire has its name in the document, and each name there is a field's.
+void TestBoxsimFieldTable::isWrittenDownBesideTheBytes()
+{
+    QFile file(QStringLiteral(CANBUS_SOURCE_DIR "/docs/protocol.md"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QString document = QString::fromUtf8(file.readAll());
+    for (const Field &field : boxsim::allFields()) {
+        const bool isOnTheWire = !field.name.startsWith("measured.") && !field.name.startsWith("fault.");
+        QVERIFY2(!isOnTheWire || document.contains('`' + field.name + '`'), qPrintable(field.name));
+    }
+    const QRegularExpression name("`((?:" + boxsim::allObjects().join('|') + ")\\.[A-Za-z0-9.]+)`");
+    int field = 0;
+    int entry = 0;
+    QString error;
+    QRegularExpressionMatchIterator matches = name.globalMatch(document);
+    while (matches.hasNext())
+        QVERIFY2(boxsim::findField(matches.next().captured(1), &field, &entry, &error), qPrintable(error));
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimFieldTable)
