@@ -38,13 +38,9 @@ BenchOutput Bench::receive(const QByteArray &bytes, qint64 nowMs)
     fallSilentWhenDue();
     bringLineBackWhenDue();
     followScript();
-    if (m_ending == Ending::None) {
+    if (m_ending == Ending::None)
         take(m_box.receive(m_hungUp ? QByteArray() : bytes, nowMs));
-        followScript();
-    }
-    releaseHeld();
-    releaseLine();
-    return std::exchange(m_output, {});
+    return settle();
 }
 
 BenchOutput Bench::advance(qint64 nowMs)
@@ -59,11 +55,28 @@ qint64 Bench::dueMs() const
     return earliest({m_box.dueMs(), m_line.dueMs(), scriptDueMs(), m_options.silentAfterMs, m_returnMs});
 }
 
-BenchOutput Bench::setState(const BenchState &state, qint64 nowMs)
+BenchOutput Bench::carryOut(const Instruction &instruction, qint64 nowMs)
 {
-    m_nowMs = nowMs;
-    takeState(state);
-    return advance(nowMs);
+    if (m_ending != Ending::None)
+        return {};
+    // Before it, what is due before it.
+    BenchOutput output = advance(nowMs);
+    if (m_ending == Ending::None)
+        perform(instruction);
+    const BenchOutput after = settle();
+    return {output.line + after.line, output.events + after.events};
+}
+
+/// Does what has become due since the bench last looked.
+BenchOutput Bench::settle()
+{
+    if (m_ending == Ending::None) {
+        take(m_box.advance(m_nowMs));
+        followScript();
+    }
+    releaseHeld();
+    releaseLine();
+    return std::exchange(m_output, {});
 }
 
 qint64 Bench::scriptMs(qint64 nowMs) const

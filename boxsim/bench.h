@@ -58,8 +58,8 @@ public:
 
     const BenchState &state() const { return m_box.state(); }
 
-    /// Changes the state from outside the script, and does at once what follows from it.
-    BenchOutput setState(const BenchState &state, qint64 nowMs);
+    /// Carries out an instruction from outside the script, and what follows from it.
+    BenchOutput carryOut(const Instruction &instruction, qint64 nowMs);
 
     bool isLinkUp() const { return m_box.isLinkUp(); }
 
@@ -69,6 +69,7 @@ public:
     QString failure() const { return m_failure; }
 
 private:
+    BenchOutput settle();
     qint64 scriptMs(qint64 nowMs) const;
     qint64 scriptDueMs() const;
     void fallSilentWhenDue();

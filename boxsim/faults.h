@@ -25,12 +25,12 @@ struct Faults {
     double insertBytes = 0; ///< share of bytes that have a foreign byte before them
     double noise = 0;       ///< foreign bytes a second between the frames
 
-    // How the bytes are cut into blocks.
-    bool split = false;    ///< every byte is a block of its own
-    int splitAt = 0;       ///< each frame is written in two blocks, the first of so many bytes; 0: whole
-    bool splitRound = false; ///< each frame is written in two blocks, cut one byte later than the one before
-    int mergeMs = 0;       ///< what is written within so many milliseconds goes out as one block
-    int pauseMs = 0;       ///< the wait between the two halves of a frame that is cut; 0: none
+    // How the bytes are cut into blocks. Where several are on, the first of the three counts.
+    bool split = false;      ///< every byte is a block of its own
+    bool splitRound = false; ///< each is cut in two, one byte later than the one of its length before
+    int splitAt = 0;         ///< each is cut in two, the first of so many bytes; 0: whole
+    int mergeMs = 0;         ///< what is written within so many milliseconds goes out as one block
+    int pauseMs = 0;         ///< the wait between the pieces; what is whole is cut in its middle; 0: none
 
     // The box as a whole.
     bool silence = false;    ///< it hears, and neither answers nor sends

@@ -2,6 +2,10 @@
 #include "boxsim/options.h"
 #include "boxsim/report.h"
 #include "boxsim/session.h"
+#include "boxsim/setup.h"
+#include "boxsim/steering.h"
+
+#include "tools/monitor/linereader.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
@@ -12,6 +16,7 @@
 #include <cstring>
 
 #include <sys/signalfd.h>
+#include <unistd.h>
 
 namespace {
 
@@ -20,9 +25,14 @@ using namespace boxsim;
 constexpr int kRunTimeFailure = 1;
 constexpr int kWrongArguments = 2;
 
-int fail(int status, const QString &error)
+void complain(const QString &error)
 {
     std::fprintf(stderr, "canbus-boxsim: %s\n", error.toLocal8Bit().constData());
+}
+
+int fail(int status, const QString &error)
+{
+    complain(error);
     return status;
 }
 
@@ -37,6 +47,13 @@ void print(const QByteArray &line)
     QCoreApplication::exit(status);
 }
 
+/// Prints what is all that the program was asked for.
+int answer(const QByteArray &text)
+{
+    const bool isPrinted = std::fputs(text.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
+    return isPrinted ? 0 : fail(kRunTimeFailure, QStringLiteral("cannot write to standard output"));
+}
+
 /// Turns the signals that end a program into a readable descriptor. @return the descriptor, or -1
 int openEndingSignals()
 {
@@ -49,31 +66,56 @@ int openEndingSignals()
     return signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK);
 }
 
+/// Takes one line of standard input.
+void takeLine(Session &session, const QString &line, bool json)
+{
+    const Steered steered = steer(line, session.state());
+    if (!steered.error.isEmpty())
+        complain(steered.error);
+    for (const QString &text : steered.answer)
+        print(json ? answerToJson(text) : text.toLocal8Bit());
+    if (steered.instruction)
+        session.carryOut(*steered.instruction);
+}
+
 int run(QCoreApplication &application, const Options &options, int endingSignals)
 {
+    Setup setup;
     QString error;
+    if (!setUp(options, &setup, &error))
+        return fail(kWrongArguments, error);
     const std::unique_ptr<Line> line = options.port.isEmpty()
         ? openPty(options.ptyLink, &error)
         : openPort(options.port, options.baudRate, &error);
     if (!line)
         return fail(kRunTimeFailure, error);
 
-    BenchOptions bench;
-    bench.faults = options.faults;
-    bench.silentAfterMs = options.silentAfterMs;
-    bench.faults.split = options.split;
-    Session session(line.get(), bench);
+    Session session(line.get(), setup.bench, std::move(setup.script));
     QObject::connect(&session, &Session::happened, &application,
                      [&options](const Event &event) { print(options.json ? toJson(event) : toLine(event)); });
+    QObject::connect(&session, &Session::ended, &application, [](Ending end, const QString &failure) {
+        QCoreApplication::exit(end == Ending::Success ? 0 : fail(kRunTimeFailure, failure));
+    });
     QObject::connect(line.get(), &Line::failed, &application,
                      [](const QString &reason) { QCoreApplication::exit(fail(kRunTimeFailure, reason)); });
     QSocketNotifier ending(endingSignals, QSocketNotifier::Read);
     QObject::connect(&ending, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
+    const canbus::monitor::LineReader standardInput(
+        STDIN_FILENO, [&session, &options](const QString &text) { takeLine(session, text, options.json); });
     // From inside the event loop: before it runs, nothing could end it.
     QMetaObject::invokeMethod(
         &application, [&options] { print("ready " + (options.ptyLink + options.port).toLocal8Bit()); },
         Qt::QueuedConnection);
     return QCoreApplication::exec();
+}
+
+int check(const Options &options)
+{
+    QString report;
+    QString error;
+    if (!checkScenario(options, &report, &error))
+        return fail(kWrongArguments, error);
+    return answer(report.toLocal8Bit() + '\n');
 }
 
 } // namespace
@@ -87,10 +129,16 @@ int main(int argc, char *argv[])
     QString error;
     if (!parseOptions(QCoreApplication::arguments(), &options, &error))
         return fail(kWrongArguments, error);
-    if (options.task == Options::Task::ShowHelp)
-        return std::fputs(options.helpText.toLocal8Bit().constData(), stdout) < 0 ? kRunTimeFailure : 0;
-    if (options.task == Options::Task::ShowVersion)
-        return std::puts("canbus-boxsim " CANBUS_VERSION) < 0 ? kRunTimeFailure : 0;
+    switch (options.task) {
+    case Options::Task::ShowHelp:
+        return answer(options.helpText.toLocal8Bit());
+    case Options::Task::ShowVersion:
+        return answer("canbus-boxsim " CANBUS_VERSION "\n");
+    case Options::Task::Check:
+        return check(options);
+    case Options::Task::Run:
+        break;
+    }
     if (endingSignals < 0)
         return fail(kRunTimeFailure, QStringLiteral("cannot watch for signals"));
     return run(application, options, endingSignals);

@@ -1,25 +1,37 @@
 #pragma once
 
-#include "boxsim/box.h"
+#include "boxsim/faults.h"
+#include "boxsim/times.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <optional>
 
 namespace boxsim {
 
 /// What canbus-boxsim was asked to do.
 struct Options {
-    enum class Task { Run, ShowHelp, ShowVersion };
+    enum class Task {
+        Run,
+        Check, ///< reads the scenario and does nothing else
+        ShowHelp,
+        ShowVersion,
+    };
 
     Task task = Task::Run;
     QString helpText; ///< for ShowHelp
     QString ptyLink;  ///< path of the link to make, or empty
     QString port;     ///< serial device, or empty
     int baudRate = 57600;
-    bool split = false; ///< each byte is a write of its own
     bool json = false;
-    qint64 silentAfterMs = kNever;
+    QString scenario; ///< file, or empty
+    QString replay;   ///< file, or empty; without both the built-in drive is played
+    double speed = 1; ///< of the scenario's or the recording's time
+    bool loop = false;
+    std::optional<quint32> seed;
     Faults faults;
+    qint64 silentAfterMs = kNever;
 };
 
 /// Reads the command line.

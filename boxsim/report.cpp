@@ -159,6 +159,13 @@ QByteArray toJson(const Event &event)
     return line.finish();
 }
 
+QByteArray answerToJson(const QString &text)
+{
+    JsonLine line;
+    line.add(QStringLiteral("answer"), text);
+    return line.finish();
+}
+
 QString eventName(Event::Kind kind)
 {
     return QString::fromLatin1(nameOf(kind).json);

@@ -21,6 +21,9 @@ QByteArray toLine(const Event &event);
 /// and `bytes` stand where there is something to say.
 QByteArray toJson(const Event &event);
 
+/// A line that answers one of standard input, as a JSON object: `{"answer":"climate.mainTemp=215"}`.
+QByteArray answerToJson(const QString &text);
+
 /// The name of an event in a line of JSON, for example "linkUp".
 QString eventName(Event::Kind kind);
 

@@ -19,24 +19,24 @@ Session::Session(Line *line, const BenchOptions &options, std::unique_ptr<Script
     m_timer.start(0);
 }
 
-void Session::setState(const BenchState &state)
+void Session::carryOut(const Instruction &instruction)
 {
-    perform(m_bench.setState(state, m_clock.elapsed()));
+    perform(m_bench.carryOut(instruction, m_clock.elapsed()));
 }
 
 void Session::perform(const BenchOutput &output)
 {
     for (const LineStep &step : output.line)
-        carryOut(step);
+        apply(step);
     for (const Event &event : output.events)
         Q_EMIT happened(event);
     wakeWhenDue();
     if (m_bench.ending() == Ending::None || std::exchange(m_hasEnded, true))
         return;
-    Q_EMIT ended(m_bench.failure());
+    Q_EMIT ended(m_bench.ending(), m_bench.failure());
 }
 
-void Session::carryOut(const LineStep &step)
+void Session::apply(const LineStep &step)
 {
     switch (step.kind) {
     case LineStep::Kind::Write:

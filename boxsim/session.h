@@ -24,20 +24,20 @@ public:
 
     const BenchState &state() const { return m_bench.state(); }
 
-    /// Changes the state from outside, at once.
-    void setState(const BenchState &state);
+    /// Carries out an instruction from outside the script, at once.
+    void carryOut(const Instruction &instruction);
 
 Q_SIGNALS:
     /// Something happened on the bench.
     void happened(const boxsim::Event &event);
 
     /// The script has ended the run. Emitted once, after everything else.
-    /// @param failure  why it ended with a failure; null when it ended well
-    void ended(const QString &failure);
+    /// @param failure  why it ended with a failure
+    void ended(boxsim::Ending ending, const QString &failure);
 
 private:
     void perform(const BenchOutput &output);
-    void carryOut(const LineStep &step);
+    void apply(const LineStep &step);
     void wakeWhenDue();
 
     Line *m_line;

@@ -117,6 +117,7 @@ public:
     }
 
     void receive(qint64 nowMs, const char *hex) { collect(nowMs, bench.receive(bytes(hex), nowMs)); }
+    void carryOut(qint64 nowMs, const Instruction &given) { collect(nowMs, bench.carryOut(given, nowMs)); }
     void advance(qint64 nowMs) { collect(nowMs, bench.advance(nowMs)); }
 
     /// Passes the time from one due moment to the next.

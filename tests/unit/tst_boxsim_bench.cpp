@@ -5,7 +5,6 @@
 using namespace scriptedbench;
 using boxsim::BenchOptions;
 using boxsim::Ending;
-using boxsim::Faults;
 
 class TestBoxsimBench : public QObject {
     Q_OBJECT
@@ -28,15 +27,7 @@ private Q_SLOTS:
     void letsASilenceBeEnded();
     void sendsNothingForAScriptWhileTheBoxIsSilent();
     void holdsTheBoxsFramesWhileTheScriptIsInsideOne();
-    void hangsUpAndReturns();
-    void losesWhatComesWhileTheLineIsGone();
-    void staysAwayLongerWhenItHangsUpAgain();
-    void writesWhatIsDueBeforeItHangsUp();
-    void changesTheStateFromOutside();
-    void reportsWhatTheLineDoesToTheBytes();
-    void tellsTheSeedOnceWhenSomethingIsDrawnFromIt();
-    void keepsAGivenSeedToItself();
-    void repeatsARunFromItsSeed();
+    void carriesOutAnInstructionFromOutside();
 };
 
 void TestBoxsimBench::isABoxWithoutAScript()
@@ -266,138 +257,18 @@ void TestBoxsimBench::holdsTheBoxsFramesWhileTheScriptIsInsideOne()
     QCOMPARE(bench.taken(), QStringList({"30 03 00 53 9f 03", "30 9f 06 21 21 9f 03"}));
 }
 
-void TestBoxsimBench::hangsUpAndReturns()
+void TestBoxsimBench::carriesOutAnInstructionFromOutside()
 {
     ScriptedBench bench;
-    bench.script.at(10, hangUp(50));
-    bench.script.at(30, sendBytes("01"));
-    bench.script.at(60, sendBytes("02"));
-
-    bench.runUntil(100);
-
-    QCOMPARE(bench.taken(), QStringList({"10 hang-up", "60 return", "60 02"}));
-    QCOMPARE(bench.events(),
-             QStringList(
-                 {"10 hang-up", "30 fault none: lost, because the line is gone", "60 line back", "60 sent"}));
-}
-
-void TestBoxsimBench::losesWhatComesWhileTheLineIsGone()
-{
-    Faults noisy;
-    noisy.noise = 1000;
-    ScriptedBench bench(options(noisy));
-    bench.script.at(10, hangUp(50));
-    bench.runUntil(10);
-    bench.taken();
-    bench.events();
-
-    bench.receive(20, boxbench::kConnectRequest);
-    bench.runUntil(59);
-    QCOMPARE(bench.taken(), QStringList());
-    QCOMPARE(bench.events(), QStringList());
-    bench.runUntil(65);
-    QVERIFY(bench.taken().size() > 1);
-}
-
-void TestBoxsimBench::staysAwayLongerWhenItHangsUpAgain()
-{
-    ScriptedBench bench;
-    bench.script.at(10, hangUp(50));
-    bench.script.at(40, hangUp(50));
-
-    bench.runUntil(100);
-
-    QCOMPARE(bench.taken(), QStringList({"10 hang-up", "90 return"}));
-}
-
-void TestBoxsimBench::writesWhatIsDueBeforeItHangsUp()
-{
-    Faults paused;
-    paused.splitAt = 1;
-    paused.pauseMs = 10;
-    ScriptedBench bench(options(paused));
-    bench.script.at(10, sendBytes("01 02"));
-    bench.script.at(10, hangUp(50));
-
-    bench.runUntil(100);
-
-    QCOMPARE(bench.taken(), QStringList({"10 01", "10 hang-up", "60 return"}));
-}
-
-void TestBoxsimBench::changesTheStateFromOutside()
-{
-    ScriptedBench bench;
+    bench.script.at(1990, sendBytes("01"));
     bench.connectAndSettle();
-    boxsim::BenchState state = bench.bench.state();
-    state.car.vehicle.hood = true;
-    state.faults.split = true;
 
-    const boxsim::BenchOutput output = bench.bench.setState(state, 2000);
-
-    QCOMPARE(output.line.size(), 11);
-    QCOMPARE(output.line.at(2).bytes, bytes("63"));
-}
-
-void TestBoxsimBench::reportsWhatTheLineDoesToTheBytes()
-{
-    Faults losing;
-    losing.loseBytes = 1;
-    ScriptedBench bench(options(losing));
-    bench.script.at(10, sendBytes("01 9f"));
-
-    bench.runUntil(10);
-
-    QCOMPARE(bench.events(),
-             QStringList({"10 sent", "10 fault none: byte 0 lost: 01", "10 fault none: byte 1 lost: 9f"}));
+    bench.carryOut(2000, set("vehicle.hood=true fault.splitAt=3"));
+    QCOMPARE(bench.taken(), QStringList({"2000 01", "2000 9f 02 63", "2000 05 02 10 00 00 74 9f 03"}));
+    bench.carryOut(2010, instruction(Instruction::Kind::End));
+    bench.carryOut(2020, sendBytes("02"));
+    QCOMPARE(int(bench.bench.ending()), int(Ending::Success));
     QCOMPARE(bench.taken(), QStringList());
-}
-
-void TestBoxsimBench::tellsTheSeedOnceWhenSomethingIsDrawnFromIt()
-{
-    BenchOptions drawn = options();
-    drawn.box.seed = 4711;
-    drawn.tellsSeed = true;
-    ScriptedBench bench(drawn);
-    bench.script.at(10, set("fault.pauseMs=0 fault.dropFirstAnswers=1"));
-    bench.script.at(20, set("fault.flipBytes=0.5"));
-    bench.script.at(30, set("fault.dropAnswers=0.5"));
-
-    bench.runUntil(100);
-
-    QCOMPARE(bench.events(), QStringList {"20 seed: 4711"});
-}
-
-void TestBoxsimBench::keepsAGivenSeedToItself()
-{
-    Faults faults;
-    faults.flipBytes = 0.5;
-    ScriptedBench bench(options(faults));
-
-    bench.advance(0);
-
-    QCOMPARE(bench.events(), QStringList());
-}
-
-void TestBoxsimBench::repeatsARunFromItsSeed()
-{
-    const auto run = [](quint32 seed) {
-        Faults faults;
-        faults.flipBytes = 0.02;
-        faults.loseBytes = 0.02;
-        faults.dropAnswers = 0.2;
-        faults.noise = 20;
-        BenchOptions drawn = options(faults);
-        drawn.box.seed = seed;
-        ScriptedBench bench(drawn);
-        for (qint64 now = 0; now < 60000; now += 2000) {
-            bench.runUntil(now);
-            bench.receive(now, boxbench::kConnectRequest);
-        }
-        return bench.taken() + bench.events();
-    };
-
-    QCOMPARE(run(5), run(5));
-    QVERIFY(run(5) != run(6));
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimBench)
