@@ -2,11 +2,15 @@
 #include "monitor.h"
 #include "options.h"
 #include "output.h"
+#include "playback.h"
 #include "standarderror.h"
 #include "stopsignals.h"
+#include "virtualclock.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QStringList>
 
+#include <clocale>
 #include <csignal>
 
 #include <fcntl.h>
@@ -27,6 +31,14 @@ void holdStandardDescriptors()
         ::close(descriptor);
 }
 
+QStringList argumentsOf(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    return arguments;
+}
+
 int printAnswer(const QString &text, int stopDescriptor)
 {
     monitor::Output output(STDOUT_FILENO, stopDescriptor);
@@ -40,11 +52,17 @@ int main(int argc, char *argv[])
 {
     holdStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a recording that may not grow is an error like a full disk
     const int stopDescriptor = monitor::stopSignals::install();
+    // Read before there is an application object: a recording is read in a time of its own.
+    std::setlocale(LC_ALL, "");
+    const auto options = monitor::parseOptions(argumentsOf(argc, argv));
+    const bool readsRecording = options && !options->readFile.isEmpty();
+    if (readsRecording)
+        monitor::VirtualClock::install();
     const QCoreApplication application(argc, argv);
     monitor::standardError::takeLog();
 
-    const auto options = monitor::parseOptions(QCoreApplication::arguments());
     if (!options) {
         monitor::standardError::complain(options.error());
         return monitor::kWrongArguments;
@@ -53,5 +71,7 @@ int main(int argc, char *argv[])
         return printAnswer(monitor::helpText().trimmed(), stopDescriptor);
     if (options->wantsVersion)
         return printAnswer(QStringLiteral("canbus-monitor " CANBUS_MONITOR_VERSION), stopDescriptor);
+    if (readsRecording)
+        return monitor::Playback(*options, stopDescriptor).run();
     return monitor::Monitor(*options, stopDescriptor).run();
 }

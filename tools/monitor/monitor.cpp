@@ -4,9 +4,13 @@
 #include "hostcontrols.h"
 #include "joinableprotocol.h"
 #include "linereader.h"
+#include "linkhints.h"
 #include "metamethods.h"
+#include "recorder.h"
 #include "reportlines.h"
 #include "standarderror.h"
+#include "statslines.h"
+#include "targets.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
@@ -14,10 +18,6 @@
 #include <QtSerialPort/QSerialPort>
 
 #include <canbusplayer.h>
-#include <velclimategroupcmd.h>
-#include <velgaugesgroupcmd.h>
-#include <velparkinggroupcmd.h>
-#include <velvehiclegroupcmd.h>
 
 #include <utility>
 
@@ -30,18 +30,7 @@ namespace {
 using standardError::complain;
 using standardError::LogLevel;
 
-/// Everything that is watched and can be called. An object is a row here and nothing elsewhere.
-Targets allTargets(HostControls *host)
-{
-    return {
-        {QStringLiteral("player"), CanBusPlayer::instance()},
-        {QStringLiteral("climate"), VelClimateGroupCmd::instance()},
-        {QStringLiteral("gauges"), VelGaugesGroupCmd::instance()},
-        {QStringLiteral("vehicle"), VelVehicleGroupCmd::instance()},
-        {QStringLiteral("parking"), VelParkingGroupCmd::instance()},
-        {QStringLiteral("host"), host},
-    };
-}
+constexpr int kStatsIntervalMs = 10000;
 
 /// Why a port does not open, and what to do about it. Asked only after the library has failed to open it.
 QString openError(const QString &device, int baud)
@@ -68,7 +57,11 @@ Monitor::Monitor(Options options, int stopDescriptor)
     endWhenTold(stopDescriptor);
 }
 
-Monitor::~Monitor() = default;
+Monitor::~Monitor()
+{
+    if (m_recorder)
+        m_recorder->stop();
+}
 
 int Monitor::run()
 {
@@ -83,7 +76,11 @@ int Monitor::run()
     QTimer::singleShot(0, this, &Monitor::start);
     const int status = QCoreApplication::exec();
     reportMissedCalls();
-    return status;
+    if (m_isOpen && m_options.wantsStats)
+        printStats();
+    if (m_isOpen)
+        complainOf(m_protocol->linkHealth()->figures());
+    return closeRecording(status);
 }
 
 void Monitor::start()
@@ -93,7 +90,12 @@ void Monitor::start()
     // Queued, so that what the calls lead to is printed after the news that the link is up.
     connect(CanBusPlayer::instance(), &CanBusPlayer::canbusConnectStatus, this, &Monitor::makeFirstCalls,
             Qt::QueuedConnection);
-    if (!openPort()) {
+    if (!openRecording())
+        return;
+    m_isOpen = openPort();
+    if (!m_isOpen) {
+        if (m_recorder)
+            m_recorder->discard();
         complain(QStringLiteral("cannot open %1 at %2 baud: %3")
                      .arg(m_options.port, QString::number(m_options.baud),
                           openError(m_options.port, m_options.baud)));
@@ -103,7 +105,37 @@ void Monitor::start()
     Q_EMIT m_host->portOpened(m_options.port, m_options.baud);
     if (m_options.durationMs)
         QTimer::singleShot(*m_options.durationMs, Qt::PreciseTimer, this, [this] { end(kSuccess); });
+    startStats();
     startReadingStandardInput();
+}
+
+bool Monitor::openRecording()
+{
+    if (m_options.recordFile.isEmpty())
+        return true;
+    QString error;
+    m_recorder = Recorder::open(m_options.recordFile, m_options.port, &error);
+    if (!m_recorder) {
+        complain(QStringLiteral("--record: ") + error);
+        end(kFailure);
+        return false;
+    }
+    connect(
+        m_recorder.get(), &Recorder::failed, this, [this] { end(kFailure); }, Qt::QueuedConnection);
+    return true;
+}
+
+/// @return the status of a program that ends with `status` but for its recording
+int Monitor::closeRecording(int status)
+{
+    if (!m_recorder)
+        return status;
+    m_recorder->stop();
+    const QString error = m_recorder->error();
+    if (error.isEmpty())
+        return status;
+    complain(QStringLiteral("--record: ") + error);
+    return kFailure;
 }
 
 bool Monitor::openPort()
@@ -112,9 +144,21 @@ bool Monitor::openPort()
     standardError::setLogLevel(m_options.isVerbose ? LogLevel::Everything : LogLevel::Nothing);
     CanBusPlayer::instance()->setUartPort(m_options.port, m_options.baud);
     m_protocol = std::make_unique<JoinableProtocol>();
+    if (m_recorder)
+        Recorder::start(m_recorder, m_protocol.get());
     CanBusPlayer::instance()->init(m_protocol.get());
     standardError::setLogLevel(m_options.isVerbose ? LogLevel::Everything : LogLevel::Errors);
     return m_protocol->isJoined();
+}
+
+void Monitor::startStats()
+{
+    if (!m_options.wantsStats)
+        return;
+    m_spy.watch(QStringLiteral("link"), m_protocol->linkHealth());
+    auto *const timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &Monitor::printStats);
+    timer->start(kStatsIntervalMs);
 }
 
 void Monitor::startReadingStandardInput()
@@ -160,6 +204,8 @@ void Monitor::takeLine(const QString &line)
         end(kSuccess);
     } else if (text == QLatin1String("help")) {
         printCallables();
+    } else if (text == QLatin1String("stats")) {
+        printStats();
     } else if (const Outcome<PreparedCall> prepared = prepareCall(m_targets, text)) {
         call(*prepared);
     } else {
@@ -181,6 +227,11 @@ void Monitor::printCallables()
         for (const Callable &callable : callables)
             print(callableLine(m_options.form, target.name, callable));
     }
+}
+
+void Monitor::printStats()
+{
+    print(statsText(m_options.form, m_clock.elapsed(), m_protocol->linkHealth()->figures()));
 }
 
 void Monitor::print(const QString &line)

@@ -16,6 +16,7 @@ namespace canbus::monitor {
 class HostControls;
 class JoinableProtocol;
 class LineReader;
+class Recorder;
 
 /// The small head unit: brings the library up on a port, prints what its objects signal, makes the calls
 /// that are asked for. Lives on the main thread, needs the application object.
@@ -31,7 +32,9 @@ public:
 
 private:
     void start();
+    bool openRecording();
     bool openPort();
+    void startStats();
     void startReadingStandardInput();
     void endWhenTold(int stopDescriptor);
     void end(int status);
@@ -40,8 +43,10 @@ private:
     void takeLine(const QString &line);
     void call(const PreparedCall &call);
     void printCallables();
+    void printStats();
     void print(const QString &line);
     void reportMissedCalls() const;
+    int closeRecording(int status);
 
     Options m_options;
     QElapsedTimer m_clock;
@@ -51,7 +56,9 @@ private:
     QVector<PreparedCall> m_firstCalls; // until the link is up for the first time
     SignalSpy m_spy;
     std::unique_ptr<JoinableProtocol> m_protocol;
+    std::shared_ptr<Recorder> m_recorder; // null without --record
     std::unique_ptr<LineReader> m_standardInput;
+    bool m_isOpen = false; // the port has opened
     bool m_hasEnded = false;
 };
 

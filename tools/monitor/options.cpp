@@ -33,6 +33,15 @@ QList<QCommandLineOption> allOptions()
         option(QStringLiteral("call"),
                QStringLiteral("Call a control once the link is up; may be given several times."),
                QStringLiteral("GROUP.CONTROL[=ARG,...]")),
+        option(QStringLiteral("record"),
+               QStringLiteral("Record what is received and sent, as pcapng; the file must be new or empty."),
+               QStringLiteral("FILE")),
+        option(QStringLiteral("read"),
+               QStringLiteral("Read a recording in the place of a port, and print what it holds."),
+               QStringLiteral("FILE")),
+        option(QStringLiteral("stats"),
+               QStringLiteral("Print the link's figures every 10 seconds and at the end, and each command's "
+                              "fate.")),
         option(QStringLiteral("verbose"),
                QStringLiteral("Write the library's debug lines to standard error.")),
         option(QStringLiteral("help"), QStringLiteral("Print this and end.")),
@@ -46,7 +55,7 @@ void setUp(QCommandLineParser &parser)
         "A small head unit in the terminal: prints every signal of the CAN-bus service library and "
         "calls its controls.\n\n"
         "Standard input takes calls, a line at a time: climate.acBtn, climate.manualTemp=21, "
-        "host.display=75; help lists them, quit ends."));
+        "host.display=75; help lists them, stats prints the link's figures, quit ends."));
     parser.addOptions(allOptions());
 }
 
@@ -96,6 +105,9 @@ Options plainOptions(const QCommandLineParser &parser)
     if (parser.isSet(QStringLiteral("json")))
         options.form = Form::Json;
     options.calls = parser.values(QStringLiteral("call"));
+    options.recordFile = parser.value(QStringLiteral("record"));
+    options.readFile = parser.value(QStringLiteral("read"));
+    options.wantsStats = parser.isSet(QStringLiteral("stats"));
     options.isVerbose = parser.isSet(QStringLiteral("verbose"));
     options.wantsHelp = parser.isSet(QStringLiteral("help"));
     options.wantsVersion = parser.isSet(QStringLiteral("version"));
@@ -107,12 +119,33 @@ Failure seeHelp(const QString &wrong)
     return {wrong + QStringLiteral(": see canbus-monitor --help")};
 }
 
+/// What is wrong with the files' options, or an empty text.
+QString wrongFiles(const QCommandLineParser &parser)
+{
+    for (const auto &name : {QStringLiteral("record"), QStringLiteral("read")}) {
+        if (parser.isSet(name) && parser.value(name).isEmpty())
+            return QStringLiteral("--%1 is empty: write a file, for example drive.pcapng").arg(name);
+    }
+    if (!parser.isSet(QStringLiteral("read")))
+        return {};
+    for (const auto &name : {QStringLiteral("port"), QStringLiteral("baud"), QStringLiteral("record"),
+                             QStringLiteral("call"), QStringLiteral("screen")}) {
+        if (parser.isSet(name))
+            return QStringLiteral("--%1 and --read: a recording is read without a port, leave one out")
+                .arg(name);
+    }
+    return {};
+}
+
 Outcome<Options> checkedOptions(const QCommandLineParser &parser)
 {
     Options options = plainOptions(parser);
     if (!parser.positionalArguments().isEmpty())
         return seeHelp(
             QStringLiteral("%1 is no option").arg(quoted(parser.positionalArguments().constFirst())));
+    const QString wrong = wrongFiles(parser);
+    if (!wrong.isEmpty())
+        return Failure {wrong};
     if (options.port.isEmpty())
         return Failure {QStringLiteral("--port is empty: write a device, for example /dev/ttyS3")};
     if (parser.isSet(QStringLiteral("baud"))) {

@@ -17,6 +17,9 @@ struct Options {
     Form form = Form::Text;
     std::optional<int> durationMs; ///< without it the monitor runs until it is told to end
     QStringList calls;             ///< as they were written, the one that shows a screen first
+    QString recordFile;            ///< empty: nothing is recorded
+    QString readFile;              ///< empty: a port is opened
+    bool wantsStats = false;
     bool isVerbose = false;
     bool wantsHelp = false;
     bool wantsVersion = false;

@@ -6,11 +6,6 @@ namespace canbus::monitor {
 
 namespace {
 
-QString seconds(qint64 ms)
-{
-    return QStringLiteral("%1.%2").arg(ms / 1000).arg(ms % 1000, 3, 10, QLatin1Char('0'));
-}
-
 QString nameOf(const QMetaMethod &method)
 {
     return QString::fromLatin1(method.name());
@@ -69,6 +64,11 @@ QString callableJson(const QString &object, const Callable &callable)
 
 } // namespace
 
+QString secondsText(qint64 ms)
+{
+    return QStringLiteral("%1.%2").arg(ms / 1000).arg(ms % 1000, 3, 10, QLatin1Char('0'));
+}
+
 QString signalLine(Form form, qint64 ms, const QString &object, const QMetaMethod &signal,
                    const QVariantList &arguments)
 {
@@ -83,7 +83,7 @@ QString signalLine(Form form, qint64 ms, const QString &object, const QMetaMetho
     if (form == Form::Text)
         return words.join(QLatin1Char(' '));
     return jsonObject({
-        member(QStringLiteral("t"), seconds(ms)),
+        member(QStringLiteral("t"), secondsText(ms)),
         member(QStringLiteral("object"), quoted(object)),
         member(QStringLiteral("signal"), quoted(nameOf(signal))),
         member(QStringLiteral("args"), jsonObject(members)),
@@ -96,7 +96,7 @@ QString resultLine(Form form, qint64 ms, const QString &object, const QMetaMetho
     if (form == Form::Text)
         return QStringLiteral("%1 %2 -> ").arg(object, nameOf(method)) + valueText(result, form);
     return jsonObject({
-        member(QStringLiteral("t"), seconds(ms)),
+        member(QStringLiteral("t"), secondsText(ms)),
         member(QStringLiteral("object"), quoted(object)),
         member(QStringLiteral("call"), quoted(nameOf(method))),
         member(QStringLiteral("result"), valueText(result, form)),

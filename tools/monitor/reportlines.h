@@ -12,6 +12,9 @@ namespace canbus::monitor {
 /// The lines that the monitor prints, without their line ends. `ms` is the time since the start; it is shown
 /// in JSON only, in seconds.
 
+/// 12.345
+QString secondsText(qint64 ms);
+
 /// climate updateClimateMainTemp value=215 Unit=1
 QString signalLine(Form form, qint64 ms, const QString &object, const QMetaMethod &signal,
                    const QVariantList &arguments);

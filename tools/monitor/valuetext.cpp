@@ -3,6 +3,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QMap>
+#include <QtCore/QMetaEnum>
 #include <QtCore/QMetaType>
 #include <QtCore/QStringList>
 
@@ -81,6 +82,28 @@ QString mapText(const QMap<int, bool> &map, Form form)
     return QLatin1Char('{') + items.join(QLatin1Char(',')) + QLatin1Char('}');
 }
 
+QString mapText(const QVariantMap &map, Form form)
+{
+    QStringList items;
+    for (auto it = map.cbegin(); it != map.cend(); ++it) {
+        const QString key = form == Form::Json ? quoted(it.key()) : it.key();
+        items << key + QLatin1Char(':') + valueText(it.value(), form);
+    }
+    return QLatin1Char('{') + items.join(QLatin1Char(',')) + QLatin1Char('}');
+}
+
+/// The name of an enumeration's value, or nothing.
+QString enumName(const QVariant &value)
+{
+    const int type = value.userType();
+    const QMetaObject *const meta = QMetaType::metaObjectForType(type);
+    if (!meta || !QMetaType::typeFlags(type).testFlag(QMetaType::IsEnumeration))
+        return {};
+    const QByteArray enumeration = QByteArray(value.typeName()).split(':').last();
+    const int index = meta->indexOfEnumerator(enumeration.constData());
+    return index < 0 ? QString() : QString::fromLatin1(meta->enumerator(index).valueToKey(value.toInt()));
+}
+
 QString containerText(const QVariant &value, Form form)
 {
     const int type = value.userType();
@@ -90,6 +113,11 @@ QString containerText(const QVariant &value, Form form)
         return listText(value.value<QList<bool>>(), form);
     if (type == qMetaTypeId<QMap<int, bool>>())
         return mapText(value.value<QMap<int, bool>>(), form);
+    if (type == QMetaType::QVariantMap)
+        return mapText(value.toMap(), form);
+    const QString name = enumName(value);
+    if (!name.isEmpty())
+        return form == Form::Json ? quoted(name) : name;
     return quoted(QStringLiteral("<%1>").arg(QLatin1String(value.typeName())));
 }
 

@@ -13,7 +13,8 @@ enum class Form { Text, Json };
 QString quoted(const QString &text);
 
 /// One value: numbers and flags as they are, texts quoted, lists in brackets, maps in braces, bytes as
-/// hexadecimal digits (quoted in JSON). A value of another type is its type's name in quoted angle brackets.
+/// hexadecimal digits and values of enumerations by name (quoted in JSON). A value of another type is its
+/// type's name in quoted angle brackets.
 QString valueText(const QVariant &value, Form form);
 
 } // namespace canbus::monitor
