@@ -1,7 +1,6 @@
 #include "box.h"
 
 #include "boxsim/climatebuttons.h"
-#include "boxsim/drive.h"
 #include "boxsim/menu.h"
 #include "boxsim/otherbuttons.h"
 
@@ -46,15 +45,12 @@ Box::Box(const BoxOptions &options, const BenchState &state)
     , m_state(state)
     , m_random(options.seed, Random::Stream::Answers)
 {
-    if (m_options.drive)
-        m_state.car = driveAt(0);
 }
 
 Output Box::receive(const QByteArray &bytes, qint64 nowMs)
 {
     m_nowMs = nowMs;
     followSilence();
-    followDrive();
     const QVector<WireFrame> frames = m_reader.feed(bytes);
     for (const WireFrame &frame : frames)
         take(frame);
@@ -69,11 +65,7 @@ Output Box::advance(qint64 nowMs)
 
 qint64 Box::dueMs() const
 {
-    if (m_silent)
-        return kNever;
-    const qint64 nextStep = (m_driveMs / kDriveStepMs + 1) * kDriveStepMs;
-    const qint64 drive = m_options.drive ? nextStep : kNever;
-    return earliest({m_sender.dueMs(), drive});
+    return m_silent ? kNever : m_sender.dueMs();
 }
 
 void Box::setState(const BenchState &state)
@@ -255,9 +247,6 @@ void Box::pressGauges(GaugesState &gauges, quint8 button, bool press)
     pressGaugesButton(gauges, m_state.faces, button, press);
     if (m_state.faces == before)
         return;
-    if (m_options.drive)
-        return applyChanges(gauges, driveAt(m_driveMs, before).gauges,
-                            driveAt(m_driveMs, m_state.faces).gauges);
     applyChanges(gauges, gaugesShowing(m_state.measured, before),
                  gaugesShowing(m_state.measured, m_state.faces));
 }
@@ -300,16 +289,6 @@ void Box::post(int category, int selector)
         if ((category == kAny || category == frame.tp) && (selector == kAny || selector == frame.mod))
             m_sender.post(frame.tp, frame.mod, frame.payload);
     }
-}
-
-void Box::followDrive()
-{
-    if (!m_options.drive || m_nowMs / kDriveStepMs == m_driveMs / kDriveStepMs)
-        return;
-    CarState car = m_state.car;
-    applyChanges(car, driveAt(m_driveMs, m_state.faces), driveAt(m_nowMs, m_state.faces));
-    m_driveMs = m_nowMs;
-    setCar(car);
 }
 
 void Box::followSilence()

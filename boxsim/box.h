@@ -55,7 +55,6 @@ struct BoxOptions {
     quint32 seed = kDefaultSeed; ///< what the faults of its answers are drawn from
     bool reportsState = true;    ///< false: sends no state, because a recording speaks for it
     bool saysReady = true;       ///< false: acknowledges connect requests and leaves the reply to a recording
-    bool drive = true;           ///< plays the built-in drive
 };
 
 /// The interface box as the head unit sees it. Pure: bytes and times in, bytes and events out; no clock and
@@ -133,7 +132,6 @@ private:
     void pressGauges(GaugesState &gauges, quint8 button, bool press);
     void answerButton(const CarState &car, quint8 category, quint8 selector);
     void post(int category = kAny, int selector = kAny);
-    void followDrive();
     void followSilence();
     void send();
     void report(Event::Kind kind, int id = kNoId, const QByteArray &bytes = {}, const QString &reason = {});
@@ -148,7 +146,6 @@ private:
     bool m_linkUp = false;
     QByteArray m_lastFrame;
     qint64 m_lastFrameMs = 0;
-    qint64 m_driveMs = 0;
     Output m_output;
 };
 

@@ -1,5 +1,6 @@
 #include "setup.h"
 
+#include "boxsim/builtindrive.h"
 #include "boxsim/replay.h"
 #include "boxsim/scenario.h"
 #include "boxsim/scenarioplayer.h"
@@ -23,7 +24,6 @@ bool setUpReplay(const Options &options, Setup *setup, QString *error)
         *error = options.replay + QStringLiteral(": ") + reason;
         return false;
     }
-    setup->bench.box.drive = false;
     setup->bench.box.reportsState = false;
     setup->bench.box.saysReady = !replay->hasHandshake();
     setup->script = std::move(replay);
@@ -32,12 +32,11 @@ bool setUpReplay(const Options &options, Setup *setup, QString *error)
 
 bool setUpScenario(const Options &options, Setup *setup, QString *error)
 {
-    if (options.scenario.isEmpty())
-        return true;
     Scenario scenario;
-    if (!loadScenario(options.scenario, &scenario, error))
+    if (options.scenario.isEmpty())
+        scenario = builtinDrive();
+    else if (!loadScenario(options.scenario, &scenario, error))
         return false;
-    setup->bench.box.drive = false;
     if (scenario.hasSeed && !options.seed) {
         setup->bench.box.seed = scenario.seed;
         setup->bench.tellsSeed = false;

@@ -1,8 +1,10 @@
 #include "simulatedheadunit.h"
 #include "simulatedline.h"
 
-#include "boxsim/box.h"
+#include "boxsim/bench.h"
+#include "boxsim/builtindrive.h"
 #include "boxsim/climatestate.h"
+#include "boxsim/scenarioplayer.h"
 #include "link/frameformat.h"
 
 #include <QtTest>
@@ -19,11 +21,23 @@ constexpr quint8 kClimateData = 0x02;
 constexpr int kConnectedMs = 2200; // first connect request at 2 s, then two frames each way
 constexpr int kRecoveryMs = 40000; // a connection check, its loss, a handshake, and the frames that wait
 
+std::unique_ptr<boxsim::Script> drive()
+{
+    static const boxsim::Scenario builtin = boxsim::builtinDrive();
+    return std::make_unique<boxsim::ScenarioPlayer>(builtin);
+}
+
+boxsim::BenchOptions optionsWith(const boxsim::Faults &faults)
+{
+    boxsim::BenchOptions options;
+    options.faults = faults;
+    return options;
+}
+
 class Simulation {
 public:
-    explicit Simulation(quint32 seed, const boxsim::BoxOptions &options = {},
-                        const boxsim::Faults &faults = {})
-        : box(options, {{}, {}, {}, faults})
+    explicit Simulation(quint32 seed, const boxsim::Faults &faults = {}, bool drives = true)
+        : box(optionsWith(faults), drives ? drive() : nullptr)
         , toBox(seed)
         , toHeadUnit(seed + 1)
     {
@@ -74,7 +88,7 @@ public:
         return {};
     }
 
-    boxsim::Box box;
+    boxsim::Bench box;
     SimulatedHeadUnit headUnit;
     SimulatedLine toBox;
     SimulatedLine toHeadUnit;
@@ -89,9 +103,9 @@ private:
         headUnit.receive(toHeadUnit.deliver());
         headUnit.advance(nowMs);
         toBox.write(headUnit.takeWritten());
-        const boxsim::Output output = box.receive(toBox.deliver(), nowMs);
-        for (const QByteArray &block : output.writes)
-            toHeadUnit.write(block);
+        const boxsim::BenchOutput output = box.receive(toBox.deliver(), nowMs);
+        for (const boxsim::LineStep &write : output.line)
+            toHeadUnit.write(write.bytes);
         events += output.events;
         if (firstBrokenRule.isEmpty() && !brokenRule().isEmpty())
             firstBrokenRule = QStringLiteral("at %1 ms: %2").arg(nowMs).arg(brokenRule());
@@ -154,7 +168,7 @@ private Q_SLOTS:
         Simulation simulation(2);
         const auto isUpToDate = [&] {
             return lastClimateData(simulation.headUnit)
-                == boxsim::climateDataPayload(simulation.box.climate());
+                == boxsim::climateDataPayload(simulation.box.state().car.climate);
         };
         QVERIFY(simulation.runUntil([&] { return simulation.headUnit.isLinkUp(); }, kConnectedMs));
         for (int second = 0; second < 120; ++second) {
@@ -165,9 +179,7 @@ private Q_SLOTS:
 
     void deliversEachCommandOnceAndInOrder()
     {
-        boxsim::BoxOptions options;
-        options.drive = false;
-        Simulation simulation(3, options);
+        Simulation simulation(3, {}, false);
         QVERIFY(simulation.runUntil([&] { return simulation.headUnit.isLinkUp(); }, kConnectedMs));
         simulation.runFor(500);
         simulation.events.clear();
@@ -186,7 +198,7 @@ private Q_SLOTS:
     {
         boxsim::Faults faults;
         faults.notReadyReplies = 3;
-        Simulation simulation(4, {}, faults);
+        Simulation simulation(4, faults);
         QVERIFY(simulation.runUntil([&] { return simulation.headUnit.isLinkUp(); }, 4000));
         QCOMPARE(simulation.firstBrokenRule, QString());
     }
@@ -256,7 +268,7 @@ private Q_SLOTS:
                 return simulation.headUnit.isLinkUp() && simulation.headUnit.cachedFrames() == 0
                     && simulation.box.isLinkUp()
                     && lastClimateData(simulation.headUnit)
-                    == boxsim::climateDataPayload(simulation.box.climate());
+                    == boxsim::climateDataPayload(simulation.box.state().car.climate);
             };
             const bool recovered = simulation.runUntil(isWellAgain, kRecoveryMs);
             const QByteArray name = "seed " + QByteArray::number(seed);

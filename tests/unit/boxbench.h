@@ -63,17 +63,10 @@ inline QString text(const boxsim::Event &event)
     return {};
 }
 
-inline boxsim::BoxOptions withoutDrive()
-{
-    boxsim::BoxOptions options;
-    options.drive = false;
-    return options;
-}
-
 /// A box whose writes and events are collected until they are taken.
 class Bench {
 public:
-    explicit Bench(const boxsim::BoxOptions &options = withoutDrive(), const boxsim::Faults &faults = {})
+    explicit Bench(const boxsim::BoxOptions &options = {}, const boxsim::Faults &faults = {})
         : box(options, {{}, {}, {}, faults})
     {
     }
@@ -154,7 +147,7 @@ inline QString wire(const char *hex)
     return QString::fromLatin1(bytes(hex).toHex(' '));
 }
 
-/// The climate state of a box without a drive: all zero, on the wire with this id.
+/// The climate state of a box that was told nothing: all zero, on the wire with this id.
 inline QString zeroState(const char *id, const char *check)
 {
     return wire((QByteArray("9f 02 ") + id + " 03 02 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 " + check

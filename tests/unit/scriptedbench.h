@@ -98,25 +98,22 @@ inline Instruction hangUp(int ms)
 inline boxsim::BenchOptions options(const boxsim::Faults &faults = {})
 {
     boxsim::BenchOptions made;
-    made.box = boxbench::withoutDrive();
     made.faults = faults;
     return made;
 }
 
-class ScriptedBench {
+/// A bench that any script leads.
+class LedBench {
 public:
-    explicit ScriptedBench(const boxsim::BenchOptions &benchOptions = options())
-        : ScriptedBench(benchOptions, std::make_unique<WrittenScript>())
+    LedBench(const boxsim::BenchOptions &benchOptions, std::unique_ptr<boxsim::Script> script)
+        : bench(benchOptions, std::move(script))
     {
     }
 
-    ScriptedBench(const boxsim::BenchOptions &benchOptions, std::unique_ptr<WrittenScript> owned)
-        : script(*owned)
-        , bench(benchOptions, std::move(owned))
+    void receive(qint64 nowMs, const QByteArray &hex)
     {
+        collect(nowMs, bench.receive(QByteArray::fromHex(hex), nowMs));
     }
-
-    void receive(qint64 nowMs, const char *hex) { collect(nowMs, bench.receive(bytes(hex), nowMs)); }
     void carryOut(qint64 nowMs, const Instruction &given) { collect(nowMs, bench.carryOut(given, nowMs)); }
     void advance(qint64 nowMs) { collect(nowMs, bench.advance(nowMs)); }
 
@@ -132,10 +129,19 @@ public:
     {
         receive(0, boxbench::kConnectRequest);
         receive(100, "9f 06 40 40 9f 03  9f 02 40 01 00 00 01 40 9f 03");
-        for (qint64 now = 101; now <= 1000; ++now)
-            acknowledge(now);
+        runAcknowledging(101, 1000);
         taken();
         events();
+    }
+
+    /// Passes the time in steps of a millisecond, and acknowledges what is written.
+    /// @return what was written
+    QStringList runAcknowledging(qint64 fromMs, qint64 toMs)
+    {
+        QStringList all;
+        for (qint64 now = fromMs; now <= toMs; ++now)
+            all += acknowledge(now);
+        return all + taken();
     }
 
     /// What happened to the line since the last call, each with its time: `12 9f 06`, `12 hang-up`.
@@ -144,11 +150,10 @@ public:
     /// What was told since the last call, each with its time.
     QStringList events() { return std::exchange(m_events, {}); }
 
-    WrittenScript &script;
     boxsim::Bench bench;
 
 private:
-    void acknowledge(qint64 nowMs)
+    QStringList acknowledge(qint64 nowMs)
     {
         const QStringList written = taken();
         advance(nowMs);
@@ -158,6 +163,7 @@ private:
             if (block.startsWith(QLatin1String("9f 02 ")))
                 receive(nowMs, "9f 06 " + id + ' ' + id + " 9f 03");
         }
+        return written;
     }
 
     void collect(qint64 nowMs, const boxsim::BenchOutput &output)
@@ -175,6 +181,30 @@ private:
 
     QStringList m_line;
     QStringList m_events;
+};
+
+/// A bench whose script the test writes down.
+class ScriptedBench : public LedBench {
+public:
+    explicit ScriptedBench(const boxsim::BenchOptions &benchOptions = options())
+        : ScriptedBench(benchOptions, std::make_unique<WrittenScript>())
+    {
+    }
+
+    ScriptedBench(const boxsim::BenchOptions &benchOptions, std::unique_ptr<WrittenScript> written)
+        : ScriptedBench(benchOptions, *written, std::move(written))
+    {
+    }
+
+    WrittenScript &script;
+
+private:
+    ScriptedBench(const boxsim::BenchOptions &benchOptions, WrittenScript &seen,
+                  std::unique_ptr<WrittenScript> &&written)
+        : LedBench(benchOptions, std::move(written))
+        , script(seen)
+    {
+    }
 };
 
 } // namespace scriptedbench

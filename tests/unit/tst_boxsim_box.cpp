@@ -48,7 +48,7 @@ void TestBoxsimBox::answersAConnectRequestThatComesBeforeTheAcknowledgement()
 {
     boxsim::Faults faults;
     faults.notReadyReplies = 1;
-    Bench bench(withoutDrive(), faults);
+    Bench bench({}, faults);
     bench.receive(0, kConnectRequest);
     bench.writes();
 
@@ -60,7 +60,7 @@ void TestBoxsimBox::answersAConnectRequestThatComesBeforeTheAcknowledgement()
 
 void TestBoxsimBox::sendsNothingBeforeTheHeadUnitHasConnected()
 {
-    Bench bench {boxsim::BoxOptions()};
+    Bench bench;
 
     bench.run(0, 5000);
     QCOMPARE(bench.writes(), QStringList());
@@ -339,7 +339,7 @@ void TestBoxsimBox::readsTheHandshakeHoweverItIsCut()
 {
     const QByteArray all = bytes("9f 02 21 01 00 00 00 20 9f 03  9f 06 40 40 9f 03");
     for (int cut = 0; cut <= all.size(); ++cut) {
-        Box box(withoutDrive());
+        Box box();
         Output first = box.receive(all.left(cut), 0);
         const Output second = box.receive(all.mid(cut), 1);
 
@@ -351,7 +351,7 @@ void TestBoxsimBox::readsTheHandshakeHoweverItIsCut()
 
 void TestBoxsimBox::tellsWhoseIdACommandCarries()
 {
-    Box box(withoutDrive());
+    Box box();
     const Output output = box.receive(
         bytes("9f 02 57 92 00 00 c5 9f 03  9f 02 40 01 00 00 01 40 9f 03  9f 02 21 92 00 00 b3 9f 03"), 0);
 

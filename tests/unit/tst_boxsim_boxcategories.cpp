@@ -3,7 +3,6 @@
 #include <QtTest/QtTest>
 
 using namespace boxbench;
-using boxsim::BoxOptions;
 using boxsim::CarState;
 
 namespace {
@@ -31,8 +30,6 @@ private Q_SLOTS:
     void sendsWhatChangedAndNothingElse();
     void asksForATransitionOnce();
     void doesNotReportATransitionToANewHeadUnit();
-    void keepsTheGaugesAliveWithTheDrive();
-    void keepsATurnedGaugeTurned();
 };
 
 void TestBoxsimBoxCategories::answersARequestWithAllFramesOfItsCategory_data()
@@ -229,35 +226,6 @@ void TestBoxsimBoxCategories::doesNotReportATransitionToANewHeadUnit()
     const QStringList writes = bench.writes();
     QVERIFY(!writes.filter("9f 02 78 11 ").isEmpty());
     QCOMPARE(writes.filter("9f 02 70 "), QStringList());
-}
-
-void TestBoxsimBoxCategories::keepsTheGaugesAliveWithTheDrive()
-{
-    Bench bench {BoxOptions()};
-    bench.connectAndSettle();
-    bench.runAcknowledging(601, 19999);
-    bench.writes();
-
-    bench.runAcknowledging(20000, 21999);
-
-    const int frames = bench.writes().filter(" 04 05 ").size();
-    QVERIFY2(frames >= 6 && frames <= 8, qPrintable(QString::number(frames)));
-}
-
-void TestBoxsimBoxCategories::keepsATurnedGaugeTurned()
-{
-    Bench bench {BoxOptions()};
-    bench.connectAndSettle();
-    bench.runAcknowledging(601, 15000);
-    QVERIFY(bench.box.car().gauges.valueTexts.at(0).endsWith(" km/h"));
-
-    bench.receive(15001, "9f 02 5d 94 00 01 01 c9 9f 03");
-    QVERIFY(bench.box.car().gauges.valueTexts.at(0).endsWith(" ×1000/min"));
-    QCOMPARE(bench.box.car().gauges.centerTexts, QStringList({"Engine", "×1000/min"}));
-    const QString before = bench.box.car().gauges.valueTexts.at(0);
-    bench.runAcknowledging(15002, 18000);
-    QVERIFY(bench.box.car().gauges.valueTexts.at(0).endsWith(" ×1000/min"));
-    QVERIFY(bench.box.car().gauges.valueTexts.at(0) != before);
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimBoxCategories)

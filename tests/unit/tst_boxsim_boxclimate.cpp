@@ -3,7 +3,6 @@
 #include <QtTest/QtTest>
 
 using namespace boxbench;
-using boxsim::BoxOptions;
 
 class TestBoxsimBoxClimate : public QObject {
     Q_OBJECT
@@ -17,8 +16,6 @@ private Q_SLOTS:
     void sendsThreePagesOnRequest();
     void sendsOnlyTheNewestOfAWaitingState();
     void sendsWhatWasSetAndNothingElse();
-    void followsTheDrive();
-    void keepsWhatAButtonChangedUntilTheDriveChangesIt();
 };
 
 void TestBoxsimBoxClimate::carriesOutAButtonAndReportsTheState()
@@ -136,35 +133,6 @@ void TestBoxsimBoxClimate::sendsWhatWasSetAndNothingElse()
     bench.receive(2050, "9f 06 54 54 9f 03");
     bench.advance(2100);
     QCOMPARE(bench.writes(), QStringList {wire("9f 02 54 03 01 42 00 14 9f 03")});
-}
-
-void TestBoxsimBoxClimate::followsTheDrive()
-{
-    Bench bench {BoxOptions()};
-    bench.connectAndSettle();
-
-    QCOMPARE(bench.box.dueMs(), qint64(750));
-    bench.runAcknowledging(601, 999);
-    QCOMPARE(bench.writes().filter(" 03 02 "), QStringList());
-    bench.runAcknowledging(1000, 1200);
-
-    // Behind the title, which changes at the same moment.
-    const QStringList climate = bench.writes().filter(" 03 02 ");
-    QCOMPARE(climate.size(), 1);
-    QVERIFY2(climate.at(0).startsWith("9f 02 54 03 02 00 a0 "), qPrintable(climate.at(0)));
-}
-
-void TestBoxsimBoxClimate::keepsWhatAButtonChangedUntilTheDriveChangesIt()
-{
-    Bench bench {BoxOptions()};
-    bench.connectAndSettle();
-    bench.receive(700, "9f 02 52 93 00 1b 01 63 b8 9f 03");
-    QCOMPARE(int(bench.box.climate().manualTemp), 0x63);
-
-    bench.advance(1000);
-    QCOMPARE(int(bench.box.climate().manualTemp), 0x63);
-    bench.advance(2000);
-    QCOMPARE(int(bench.box.climate().manualTemp), 31);
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimBoxClimate)

@@ -20,7 +20,7 @@ Faults silence(bool on)
 /// What a box with these faults does with 200 presses of a button, a line for each event of a fault.
 QStringList faultsOfAnswers(const Faults &faults, quint32 seed)
 {
-    BoxOptions options = withoutDrive();
+    BoxOptions options;
     options.seed = seed;
     Bench bench(options, faults);
     for (int i = 0; i < 200; ++i)
@@ -58,7 +58,7 @@ void TestBoxsimBoxFaults::saysNotReadyAsOftenAsItIsTold()
 {
     Faults faults;
     faults.notReadyReplies = 2;
-    Bench bench(withoutDrive(), faults);
+    Bench bench({}, faults);
 
     bench.receive(0, kConnectRequest);
     QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 40 01 00 00 00 41 9f 03")}));
@@ -310,7 +310,7 @@ void TestBoxsimBoxFaults::waitsWithTheRestartsWordUntilTheSilenceEnds()
 
 void TestBoxsimBoxFaults::onlyAnswersWhereARecordingSpeaksForIt()
 {
-    BoxOptions options = withoutDrive();
+    BoxOptions options;
     options.reportsState = false;
     options.saysReady = false;
     Bench bench(options);
@@ -327,7 +327,7 @@ void TestBoxsimBoxFaults::onlyAnswersWhereARecordingSpeaksForIt()
 
 void TestBoxsimBoxFaults::saysReadyForARecordingThatDoesNot()
 {
-    BoxOptions options = withoutDrive();
+    BoxOptions options;
     options.reportsState = false;
     Bench bench(options);
 
