@@ -38,13 +38,10 @@ public:
     /// recorded link is up, for a head unit that asks once more than the recorded one.
     bool hasHandshake() const { return m_hasHandshake; }
 
-    /// Whether the last block ends within a frame that a later block completes: an answer that was written
-    /// now would break it, and must wait until this is over.
-    bool isInsideFrame() const { return m_next > 0 && m_entries.at(m_next - 1).endsInside; }
-
     void observe(const Event &event, qint64 nowMs) override;
     QVector<Instruction> advance(qint64 nowMs) override;
     qint64 dueMs() const override;
+    bool isInsideFrame() const override { return m_next > 0 && m_entries.at(m_next - 1).endsInside; }
 
 private:
     /// What a block tells the head unit about the link.
