@@ -19,7 +19,6 @@ const QString kTimes = QStringLiteral("times");
 
 /// More often than this nothing is done at one moment.
 constexpr int kMostTimesAtOnce = 1000;
-constexpr int kMostTimes = 1000000;
 
 /// Reads how long a wait lasts, and what goes on then.
 void readTimeout(const JsonPlace &wait, const JsonPlace &elseHolder, Step *step)

@@ -7,6 +7,9 @@
 
 namespace boxsim {
 
+/// The most times that a list can be repeated, if not for ever.
+constexpr int kMostTimes = 1000000;
+
 /// Reads a list of steps.
 std::vector<Step> readSteps(const JsonPlace &list);
 
