@@ -260,7 +260,8 @@ QVariant typedValue(const Field &field, bool whole, const QString &text)
     if (!whole)
         return typedEntry(field.kind, text);
     QVariantList list;
-    for (const QString &part : splitList(text))
+    const QStringList parts = splitList(text);
+    for (const QString &part : parts)
         list.append(typedEntry(field.kind, part));
     return list;
 }
@@ -269,10 +270,12 @@ QString textOfValue(const Field &field, const QVariant &value)
 {
     QStringList parts;
     if (field.kind == FieldKind::Texts) {
-        for (const QString &text : value.toStringList())
+        const QStringList texts = value.toStringList();
+        for (const QString &text : texts)
             parts.append(escapedText(text));
     } else if (value.userType() == QMetaType::QVariantList) {
-        for (const QVariant &entry : value.toList())
+        const QVariantList entries = value.toList();
+        for (const QVariant &entry : entries)
             parts.append(textOfEntry(field, entry));
     } else {
         return textOfEntry(field, value);

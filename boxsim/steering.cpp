@@ -34,7 +34,7 @@ Steered instruction(Kind kind)
 /// Bytes from pairs of hexadecimal digits, with or without blanks between the pairs.
 std::optional<QByteArray> bytesOf(const QString &text)
 {
-    static const QRegularExpression pairs(QStringLiteral("^\\s*(?:[0-9A-Fa-f]{2}\\s*)*$"));
+    static const QRegularExpression pairs(QStringLiteral("^\\s*+(?:[0-9A-Fa-f]{2}\\s*+)*+$"));
     if (!pairs.match(text).hasMatch())
         return std::nullopt;
     return QByteArray::fromHex(text.toLatin1());

@@ -117,8 +117,8 @@ Assignment assignment(const QString &name, const QString &text)
 }
 
 struct Row {
-    const char *name;
-    const char *text;
+    const char *name = nullptr;
+    const char *text = nullptr;
     Change change;
 };
 
@@ -330,7 +330,8 @@ void TestBoxsimBenchStateItems::setsEachItemAndNoOther_data()
 {
     QTest::addColumn<QString>("text");
     QTest::addColumn<Change>("change");
-    for (const Row &row : allRows())
+    const QVector<Row> rows = allRows();
+    for (const Row &row : rows)
         QTest::newRow(row.name) << QString(row.text) << row.change;
 }
 
@@ -355,7 +356,8 @@ void TestBoxsimBenchStateItems::setsEachItemAndNoOther()
 void TestBoxsimBenchStateItems::setsEveryFieldInThisTest()
 {
     QSet<QString> names;
-    for (const Row &row : allRows())
+    const QVector<Row> rows = allRows();
+    for (const Row &row : rows)
         names.insert(row.name);
     QCOMPARE(names.size(), boxsim::allFields().size());
 }

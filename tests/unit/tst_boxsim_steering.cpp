@@ -309,21 +309,23 @@ void TestBoxsimSteering::listsCommandsAndObjects()
 {
     const Steered steered = steer("help");
     QCOMPARE(steered.error, QString());
-    QCOMPARE(steered.answer,
-             QStringList({
-                 "NAME=VALUE ...         set fields, all of a line at once",
-                 "NAME                   set a flag, or show the value of another field",
-                 "NAME?                  show the value of a field",
-                 "send ID TP MOD HEX...  send a data frame once; all bytes hexadecimal",
-                 "bytes HEX...           put bytes on the line as they are",
-                 "restart                switch the box off and on",
-                 "hangup [MS]            take the line away, for 1000 or MS milliseconds",
-                 "note TEXT              put a text among the reports",
-                 "quit                   end the run",
-                 "help [BEGINNING]       list everything, or the fields whose names begin so",
-                 "NAME begins with one of: screens, climate, gauges, vehicle, parking, textScreen, "
-                 "measured, fault",
-             }));
+    const QStringList expected {
+        "NAME=VALUE ...         set fields, all of a line at once",
+        "NAME                   set a flag, or show the value of another field",
+        "NAME?                  show the value of a field",
+        "send ID TP MOD HEX...  send a data frame once; all bytes hexadecimal",
+        "bytes HEX...           put bytes on the line as they are",
+        "restart                switch the box off and on",
+        "hangup [MS]            take the line away, for 1000 or MS milliseconds",
+        "note TEXT              put a text among the reports",
+        "quit                   end the run",
+        "help [BEGINNING]       list everything, or the fields whose names begin so",
+    };
+    QCOMPARE(steered.answer.mid(0, expected.size()), expected);
+    QCOMPARE(
+        steered.answer.mid(expected.size()),
+        QStringList {QStringLiteral("NAME begins with one of: screens, climate, gauges, vehicle, parking, "
+                                    "textScreen, measured, fault")});
 }
 
 void TestBoxsimSteering::listsWhatCanFollow_data()
