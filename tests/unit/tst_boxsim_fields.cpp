@@ -261,6 +261,8 @@ void TestBoxsimFields::refusesNames_data()
     QTest::addColumn<QString>("error");
     wrongName("a letter is missing", "climate.mainTmp",
               "no field \"climate.mainTmp\": did you mean climate.mainTemp?");
+    wrongName("the nearest of several", "climate.manualTmp",
+              "no field \"climate.manualTmp\": did you mean climate.manualTemp?");
     wrongName("letters of another case", "climate.maintemp",
               "no field \"climate.maintemp\": did you mean climate.mainTemp?");
     wrongName("like none", "textScreen.brightness",
