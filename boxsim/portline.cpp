@@ -45,18 +45,25 @@ public:
     void hangUp() override
     {
         QMetaObject::invokeMethod(
-            this, [this] { m_port.close(); }, Qt::QueuedConnection);
+            this, [this] { close(); }, Qt::QueuedConnection);
     }
 
     void comeBack() override
     {
-        m_port.close();
+        close();
         QString error;
         if (!open(m_port.portName(), m_port.baudRate(), &error))
             Q_EMIT failed(error);
     }
 
 private:
+    /// To close a port that is closed would be an error of the port.
+    void close()
+    {
+        if (m_port.isOpen())
+            m_port.close();
+    }
+
     /// A hang-up is reported over and over as long as the port is open, with the processor busy: once is
     /// enough.
     void fail()
@@ -66,7 +73,7 @@ private:
         disconnect(&m_port, nullptr, this, nullptr);
         const QString error = QStringLiteral("%1 failed: %2").arg(m_port.portName(), m_port.errorString());
         QMetaObject::invokeMethod(
-            this, [this] { m_port.close(); }, Qt::QueuedConnection);
+            this, [this] { close(); }, Qt::QueuedConnection);
         Q_EMIT failed(error);
     }
 

@@ -1,7 +1,7 @@
 #include "boxsim/line.h"
-#include "boxsim/session.h"
 
 #include "hexbytes.h"
+#include "plaindevice.h"
 
 #include <QtTest/QtTest>
 
@@ -13,40 +13,6 @@
 using boxsim::Line;
 
 namespace {
-
-/// A head unit's end of the pseudo-terminal, opened as a plain file: nothing but the line sets it raw.
-class Device {
-public:
-    explicit Device(const QString &path)
-        : m_fd(::open(qPrintable(path), O_RDWR | O_NOCTTY | O_NONBLOCK))
-    {
-    }
-    ~Device()
-    {
-        if (m_fd >= 0)
-            ::close(m_fd);
-    }
-    Q_DISABLE_COPY(Device)
-
-    bool isOpen() const { return m_fd >= 0; }
-    bool write(const QByteArray &block)
-    {
-        return ::write(m_fd, block.constData(), size_t(block.size())) == block.size();
-    }
-
-    /// What has come since the device was opened.
-    QByteArray received()
-    {
-        char buffer[4096];
-        for (ssize_t size = 0; (size = ::read(m_fd, buffer, sizeof buffer)) > 0;)
-            m_received.append(buffer, int(size));
-        return m_received;
-    }
-
-private:
-    int m_fd;
-    QByteArray m_received;
-};
 
 QByteArray everyByte()
 {
@@ -77,8 +43,6 @@ private Q_SLOTS:
     void saysWhyAPortCannotBeOpened();
     void talksOverAnyDeviceAsAPort();
     void saysOnceThatThePortIsGone();
-    void answersOnTheLine_data();
-    void answersOnTheLine();
 
 private:
     std::unique_ptr<Line> open();
@@ -292,47 +256,6 @@ void TestBoxsimLine::saysOnceThatThePortIsGone()
 
     QCOMPARE(failures.size(), 1);
     QVERIFY2(failures.at(0).contains(" failed: "), qPrintable(failures.at(0)));
-}
-
-void TestBoxsimLine::answersOnTheLine_data()
-{
-    QTest::addColumn<bool>("split");
-
-    QTest::newRow("in whole blocks") << false;
-    QTest::newRow("byte by byte") << true;
-}
-
-void TestBoxsimLine::answersOnTheLine()
-{
-    QFETCH(bool, split);
-
-    class RecordedLine : public Line {
-    public:
-        void write(const QByteArray &block) override { blocks.append(block); }
-        void hangUp() override { }
-        void comeBack() override { }
-        QVector<QByteArray> blocks;
-    } line;
-    boxsim::BenchOptions options;
-    options.faults.split = split;
-    boxsim::Session session(&line, options);
-    QStringList commands;
-    connect(&session, &boxsim::Session::happened, this,
-            [&commands](const boxsim::Event &event) { commands.append(event.command.name); });
-
-    Q_EMIT line.received(bytes("9f 02 21 01 00 00 00 20 9f 03"));
-
-    const QByteArray answers = bytes("9f 06 21 21 9f 03  9f 02 40 01 00 00 01 40 9f 03");
-    const auto written = [&line] {
-        QByteArray all;
-        for (const QByteArray &block : qAsConst(line.blocks))
-            all += block;
-        return all;
-    };
-    QCOMPARE(written(), answers);
-    QCOMPARE(line.blocks.size(), split ? 16 : 2);
-    QCOMPARE(commands, QStringList {"connection.request"});
-    QTRY_VERIFY_WITH_TIMEOUT(written().startsWith(answers + answers.mid(6)), 30000);
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimLine)

@@ -60,6 +60,8 @@ class TestBoxsimReport : public QObject {
 private Q_SLOTS:
     void writesAnEventAsALineAndAsJson_data();
     void writesAnEventAsALineAndAsJson();
+    void writesAnAnswerAsJson();
+    void namesEveryEvent();
     void namesEventsAsInJson();
 };
 
@@ -97,6 +99,29 @@ void TestBoxsimReport::writesAnEventAsALineAndAsJson_data()
         R"({"t":3600.000,"event":"linkDown"})");
     row("silent", eventOf(Kind::Silent, 99), "   0.099  silent from here on",
         R"({"t":0.099,"event":"silent"})");
+    row("speaking", eventOf(Kind::Speaking, 99), "   0.099  the silence is over",
+        R"({"t":0.099,"event":"speaking"})");
+    row("a restart", eventOf(Kind::Restart, 99), "   0.099  restarted", R"({"t":0.099,"event":"restart"})");
+    row("a fault of an answer",
+        eventOf(Kind::Fault, 99, 0x52, "9f 15 52 52 9f 03", QStringLiteral("negative answer")),
+        "   0.099  fault  id 52: negative answer: 9f 15 52 52 9f 03",
+        R"({"t":0.099,"event":"fault","id":82,"reason":"negative answer","bytes":"9f1552529f03"})");
+    row("a fault of a byte",
+        eventOf(Kind::Fault, 99, boxsim::kNoId, "", QStringLiteral("byte 5 flipped: 12 became 13")),
+        "   0.099  fault: byte 5 flipped: 12 became 13",
+        R"({"t":0.099,"event":"fault","reason":"byte 5 flipped: 12 became 13"})");
+    row("bytes of a script", eventOf(Kind::Sent, 99, boxsim::kNoId, "00 9f"), "   0.099  sent: 00 9f",
+        R"({"t":0.099,"event":"sent","bytes":"009f"})");
+    row("a frame of a script", eventOf(Kind::Sent, 99, 0x51, "9f 02"), "   0.099  sent  id 51: 9f 02",
+        R"({"t":0.099,"event":"sent","id":81,"bytes":"9f02"})");
+    row("a hang-up", eventOf(Kind::HangUp, 99), "   0.099  the line hangs up",
+        R"({"t":0.099,"event":"hangUp"})");
+    row("the line's return", eventOf(Kind::LineBack, 99), "   0.099  the line is back",
+        R"({"t":0.099,"event":"lineBack"})");
+    row("a remark", eventOf(Kind::Note, 99, boxsim::kNoId, "", QStringLiteral("now \"rain\"")),
+        R"(   0.099  note: now "rain")", R"({"t":0.099,"event":"note","reason":"now \"rain\""})");
+    row("the seed", eventOf(Kind::Seed, 0, boxsim::kNoId, "", QStringLiteral("4294967295")),
+        "   0.000  seed: 4294967295", R"({"t":0.000,"event":"seed","reason":"4294967295"})");
 }
 
 void TestBoxsimReport::writesAnEventAsALineAndAsJson()
@@ -117,6 +142,21 @@ void TestBoxsimReport::namesEventsAsInJson()
                              "giveUp",  "linkUp", "linkDown", "silent"};
     for (const QString &name : known)
         QVERIFY2(boxsim::eventNames().contains(name), qPrintable(name));
+}
+
+void TestBoxsimReport::writesAnAnswerAsJson()
+{
+    QCOMPARE(boxsim::answerToJson(QStringLiteral("climate.title=\"Rain\"")),
+             QByteArray(R"({"answer":"climate.title=\"Rain\""})"));
+}
+
+void TestBoxsimReport::namesEveryEvent()
+{
+    QCOMPARE(boxsim::eventNames().join(' '),
+             QStringLiteral("command ack nack badFrame resend giveUp linkUp linkDown silent speaking restart "
+                            "fault sent hangUp lineBack note seed"));
+    QCOMPARE(boxsim::eventName(Event::Kind::Command), QStringLiteral("command"));
+    QCOMPARE(boxsim::eventName(Event::Kind::Seed), QStringLiteral("seed"));
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimReport)

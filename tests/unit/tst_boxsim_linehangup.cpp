@@ -1,0 +1,209 @@
+#include "boxsim/line.h"
+
+#include "hexbytes.h"
+#include "plaindevice.h"
+
+#include <QtTest/QtTest>
+
+#include <cerrno>
+
+using boxsim::Line;
+
+namespace {
+
+constexpr int kLimitMs = 30000;
+
+} // namespace
+
+class TestBoxsimLineHangUp : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void hangsUpOnTheHeadUnitAndTakesTheLinkAway();
+    void comesBackBehindTheSameLink();
+    void losesWhatIsWrittenWhileItIsGone();
+    void hangsUpFromWithinTheNewsOfBytes();
+    void removesTheLinkAtItsEndAfterAReturn();
+    void leavesAnotherFileAloneWhenItComesBack();
+    void closesAndReopensAPort();
+    void saysThatAPortDidNotComeBack();
+
+private:
+    std::unique_ptr<Line> open();
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    QString m_link;
+};
+
+void TestBoxsimLineHangUp::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+    m_link = m_folder->filePath("box");
+}
+
+std::unique_ptr<Line> TestBoxsimLineHangUp::open()
+{
+    QString error;
+    std::unique_ptr<Line> line = boxsim::openPty(m_link, &error);
+    if (!line)
+        qWarning("%s", qPrintable(error));
+    return line;
+}
+
+void TestBoxsimLineHangUp::hangsUpOnTheHeadUnitAndTakesTheLinkAway()
+{
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    QSignalSpy failed(line.get(), &Line::failed);
+    const int headUnit = ::open(qPrintable(m_link), O_RDWR | O_NOCTTY | O_NONBLOCK);
+    QVERIFY(headUnit >= 0);
+    char byte = 0;
+    QCOMPARE(::read(headUnit, &byte, 1), ssize_t(-1));
+    QCOMPARE(errno, EAGAIN);
+
+    line->hangUp();
+
+    QCOMPARE(::read(headUnit, &byte, 1), ssize_t(0));
+    QCOMPARE(::write(headUnit, &byte, 1), ssize_t(-1));
+    QCOMPARE(errno, EIO);
+    QVERIFY(!QFileInfo(m_link).isSymLink());
+    QCoreApplication::processEvents();
+    QCOMPARE(failed.size(), 0);
+    ::close(headUnit);
+}
+
+void TestBoxsimLineHangUp::comesBackBehindTheSameLink()
+{
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    QByteArray arrived;
+    connect(line.get(), &Line::received, this, [&arrived](const QByteArray &bytes) { arrived += bytes; });
+
+    for (int i = 1; i <= 3; ++i) {
+        line->hangUp();
+        line->comeBack();
+        Device device(m_link);
+        QVERIFY(device.isOpen());
+        QVERIFY(device.write(bytes("9f 06")));
+        QTRY_COMPARE_WITH_TIMEOUT(arrived.size(), 2 * i, kLimitMs);
+        line->write(bytes("0a 9f"));
+        QTRY_COMPARE_WITH_TIMEOUT(device.received(), bytes("0a 9f"), kLimitMs);
+    }
+}
+
+void TestBoxsimLineHangUp::losesWhatIsWrittenWhileItIsGone()
+{
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    line->hangUp();
+
+    line->write(bytes("01"));
+    line->comeBack();
+    Device device(m_link);
+    line->write(bytes("02"));
+
+    QTRY_COMPARE_WITH_TIMEOUT(device.received(), bytes("02"), kLimitMs);
+}
+
+void TestBoxsimLineHangUp::hangsUpFromWithinTheNewsOfBytes()
+{
+    const std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    int news = 0;
+    connect(line.get(), &Line::received, this, [&] {
+        ++news;
+        line->hangUp();
+    });
+    Device device(m_link);
+
+    QVERIFY(device.write(bytes("01")));
+
+    QTRY_COMPARE_WITH_TIMEOUT(news, 1, kLimitMs);
+    QVERIFY(!device.write(bytes("02")));
+}
+
+void TestBoxsimLineHangUp::removesTheLinkAtItsEndAfterAReturn()
+{
+    std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    line->hangUp();
+    line->comeBack();
+    QVERIFY(QFile::symLinkTarget(m_link).startsWith("/dev/pts/"));
+
+    line.reset();
+
+    QVERIFY(!QFileInfo(m_link).isSymLink());
+}
+
+void TestBoxsimLineHangUp::leavesAnotherFileAloneWhenItComesBack()
+{
+    std::unique_ptr<Line> line = open();
+    QVERIFY(line);
+    QStringList failures;
+    connect(line.get(), &Line::failed, this, [&failures](const QString &text) { failures.append(text); });
+    line->hangUp();
+    QFile file(m_link);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write("kept"), qint64(4));
+    file.close();
+
+    line->comeBack();
+    line.reset();
+
+    QCOMPARE(failures,
+             QStringList {m_link
+                          + " exists and is not a link to a pseudo-terminal; remove it or choose another "
+                            "path"});
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("kept"));
+}
+
+void TestBoxsimLineHangUp::closesAndReopensAPort()
+{
+    const std::unique_ptr<Line> far = open();
+    QVERIFY(far);
+    QString error;
+    const std::unique_ptr<Line> port = boxsim::openPort(m_link, 57600, &error);
+    QVERIFY2(port, qPrintable(error));
+    QStringList failures;
+    QByteArray atPort;
+    QByteArray atFar;
+    connect(port.get(), &Line::failed, this, [&failures](const QString &text) { failures.append(text); });
+    connect(port.get(), &Line::received, this, [&atPort](const QByteArray &bytes) { atPort += bytes; });
+    connect(far.get(), &Line::received, this, [&atFar](const QByteArray &bytes) { atFar += bytes; });
+
+    port->hangUp();
+    QCoreApplication::processEvents();
+    port->write(bytes("01"));
+    port->comeBack();
+    port->write(bytes("02"));
+    far->write(bytes("03"));
+
+    QTRY_COMPARE_WITH_TIMEOUT(atFar, bytes("02"), kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(atPort, bytes("03"), kLimitMs);
+    QCOMPARE(failures, QStringList());
+}
+
+void TestBoxsimLineHangUp::saysThatAPortDidNotComeBack()
+{
+    std::unique_ptr<Line> far = open();
+    QVERIFY(far);
+    QString error;
+    const std::unique_ptr<Line> port = boxsim::openPort(m_link, 57600, &error);
+    QVERIFY2(port, qPrintable(error));
+    QStringList failures;
+    connect(port.get(), &Line::failed, this, [&failures](const QString &text) { failures.append(text); });
+
+    port->hangUp();
+    QCoreApplication::processEvents();
+    far.reset();
+    port->comeBack();
+
+    QCOMPARE(failures.size(), 1);
+    QVERIFY2(failures.at(0).startsWith("cannot open " + m_link + ": "), qPrintable(failures.at(0)));
+}
+
+QTEST_GUILESS_MAIN(TestBoxsimLineHangUp)
+#include "tst_boxsim_linehangup.moc"
