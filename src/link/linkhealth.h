@@ -110,15 +110,12 @@ public:
 
 Q_SIGNALS:
     /// A frame has left the send cache, or was not let in. Connect requests and connection checks are
-    /// commands too.
+    /// commands too. Two equal frames are two commands, each with its own transmissions and its own time.
     /// @param frame  complete, as it went on the wire
-    /// Two equal frames are two commands, each with its own transmissions and its own time.
-    /// @param transmissions  how often it was sent; 0 for NotAccepted, and for a frame that waited for its
-    /// first
-    ///   transmission when an answer with its id came
+    /// @param transmissions  how often it was sent; 0 for NotAccepted, and for a frame that still waited to
+    ///   be sent when an answer with its id came
     /// @param microseconds  from its first transmission to its end, by a clock that nobody sets; 0 where it
-    /// was
-    ///   not sent
+    ///   was not sent
     void commandEnded(QByteArray frame, canbus::LinkHealth::Fate fate, int transmissions,
                       qint64 microseconds);
 

@@ -30,8 +30,7 @@ struct LinkEffect {
     Kind kind;
     QByteArray frame = {};             ///< of Write and Ended
     LinkTimer timer = LinkTimer::Send; ///< of StartTimer and StopTimer
-    /// Of Write and Ended: how often the frame has been sent, this time included; 0 for what is not sent
-    /// again.
+    /// Of Write and Ended: how often the frame has been sent so far; 0 for what is not sent again.
     int transmissions = 0;
     LinkHealth::Fate fate = LinkHealth::Fate::Acknowledged; ///< of Ended
     qint64 microseconds = 0;                                ///< of Ended: since the first transmission

@@ -2,6 +2,7 @@
 #include "hexbytes.h"
 #include "velcanbusprotocol.h"
 
+#include <QtCore/QMetaMethod>
 #include <QtCore/QMutex>
 #include <QtCore/QThread>
 #include <QtTest/QtTest>
@@ -81,6 +82,7 @@ private Q_SLOTS:
 
     void canBeReadWhileTrafficRuns();
     void letsAProtocolGoWhileBytesArrive();
+    void leavesNoConnectionBehind();
 };
 
 void LinkHealthThreadsTest::init()
@@ -145,6 +147,23 @@ void LinkHealthThreadsTest::letsAProtocolGoWhileBytesArrive()
         const LinkHealth *const health = protocol->linkHealth();
         QTRY_VERIFY_WITH_TIMEOUT(health->figures().receivedBytes > 0, kLongestWaitMs);
     }
+}
+
+void LinkHealthThreadsTest::leavesNoConnectionBehind()
+{
+    struct Peek : QObject {
+        using QObject::isSignalConnected;
+    };
+    const auto isListenedTo = [] {
+        const auto isConnected = &Peek::isSignalConnected;
+        return (CanBusReadBuff::instance()->*isConnected)(QMetaMethod::fromSignal(&CanBusReadBuff::received));
+    };
+    QVERIFY(!isListenedTo());
+    {
+        VelCanBusProtocol protocol;
+        QVERIFY(isListenedTo());
+    }
+    QVERIFY(!isListenedTo());
 }
 
 QTEST_GUILESS_MAIN(LinkHealthThreadsTest)
