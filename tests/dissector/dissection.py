@@ -41,8 +41,9 @@ def head(hex_text: str, ms: float | None = None) -> Block:
 class Tree:
     """What is shown of one frame, or of bytes that are none."""
 
-    def __init__(self, packet: int, layer: Json) -> None:
+    def __init__(self, packet: int, seconds: float, layer: Json) -> None:
         self.packet = packet
+        self.seconds = seconds  # since the first packet
         self.fields: list[tuple[str, str]] = []
         self.experts: set[str] = set()
         self._take(layer, inside_expert=False)
@@ -127,10 +128,11 @@ def write_capture(folder: Path, blocks: Sequence[Block]) -> Path:
 
 def trees_of(packet: int, layers: Json) -> list[Tree]:
     trees: list[Tree] = []
+    seconds = float(dict(dict(layers)["frame"])["frame.time_relative"])
     for key, layer in layers:
         assert not key.startswith(("Lua Error", "_ws.malformed", "_ws.lua.error")), f"packet {packet}: {key}"
         if key == "canbus":
-            trees.append(Tree(packet, layer))
+            trees.append(Tree(packet, seconds, layer))
     return trees
 
 

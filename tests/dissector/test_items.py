@@ -138,6 +138,15 @@ FRAMES: list[tuple[str, str, str, dict[str, list[str]]]] = [
         | values(checkEngine=3, battery=1, labelState1=2, labelState2=1)
         | {"tireTexts": ["2.3", ""]},
     ),
+    (
+        "the vehicle's state without texts",
+        "9F 02 60 05 02 21 04 16 54 9F 03",
+        "vehicle.",
+        entries("door", "1 0 0 0")
+        | values(hood=0, trunk=1)
+        | entries("tire", "0 1 0 0")
+        | values(checkEngine=2, battery=1, labelState1=1, labelState2=0),
+    ),
     ("the parking title", "9F 02 68 06 00 50 00 3E 9F 03", "parking.", values(title="P")),
     ("parking labels", "9F 02 68 06 01 50 31 00 50 32 00 6C 9F 03", "parking.", {"labels": ["P1", "P2"]}),
     (
