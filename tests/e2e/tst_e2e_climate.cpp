@@ -1,6 +1,6 @@
 #include "bench.h"
 
-#include "boxsim/drive.h"
+#include "drivenround.h"
 
 #include <QtTest>
 
@@ -111,8 +111,8 @@ private Q_SLOTS:
     void theTemperaturesAreThoseOfTheDrive()
     {
         QSet<QPair<int, int>> driven;
-        for (qint64 ms = 0; ms < 120000; ms += 100) {
-            const boxsim::ClimateState state = boxsim::climateDriveAt(ms);
+        for (qint64 ms = 0; ms < 120000; ms += drivenround::kStepMs) {
+            const boxsim::ClimateState state = drivenround::driveAt(ms).climate;
             driven.insert({int(state.mainTemp), int(state.mainUnit)});
         }
         Bench bench;

@@ -1,6 +1,6 @@
 #include "bench.h"
 
-#include "boxsim/drive.h"
+#include "drivenround.h"
 
 #include <QtCore/QJsonArray>
 #include <QtTest>
@@ -116,8 +116,8 @@ Transcript sampledByDrive()
     announce(0, {{"arg1", QJsonArray()}});
     announce(1, {{"arg1", QJsonArray()}});
     announce(2, {{"Shift", false}});
-    for (qint64 ms = 0; ms < boxsim::kDriveRoundMs; ms += boxsim::kDriveStepMs) {
-        const boxsim::GaugesState gauges = boxsim::driveAt(ms).gauges;
+    for (qint64 ms = 0; ms < drivenround::kRoundMs; ms += drivenround::kStepMs) {
+        const boxsim::GaugesState gauges = drivenround::driveAt(ms).gauges;
         QJsonArray values;
         for (const quint8 value : gauges.values)
             values.append(value);
@@ -158,15 +158,15 @@ private Q_SLOTS:
             if (!since.isValid())
                 since.start();
             bench.monitor->lines();
-            return since.hasExpired(boxsim::kDriveRoundMs + 5000);
+            return since.hasExpired(drivenround::kRoundMs + 5000);
         };
-        QVERIFY(QTest::qWaitFor(isFullRound, boxsim::kDriveRoundMs + 60000));
+        QVERIFY(QTest::qWaitFor(isFullRound, drivenround::kRoundMs + 60000));
         const QVector<QJsonObject> lines = bench.monitor->objects();
         if (qEnvironmentVariableIsSet("CANBUS_RECORD_GOLDEN")) {
-            const Transcript round = transcriptOf(lines, boxsim::kDriveRoundMs - boxsim::kDriveStepMs / 2);
+            const Transcript round = transcriptOf(lines, drivenround::kRoundMs - drivenround::kStepMs / 2);
             writeGolden(qEnvironmentVariable("CANBUS_RECORD_GOLDEN"), round);
         }
-        const Transcript transcript = transcriptOf(lines, 2 * boxsim::kDriveRoundMs);
+        const Transcript transcript = transcriptOf(lines, 2 * drivenround::kRoundMs);
 
         for (const QString &name : allUpdateSignals())
             QVERIFY2(transcript.contains(name), qPrintable(name + " was never announced"));

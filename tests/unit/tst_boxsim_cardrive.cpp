@@ -1,10 +1,10 @@
-#include "boxsim/drive.h"
-
 #include "groups/velclimategroupcmd.h"
 #include "groups/velgaugesgroupcmd.h"
 #include "groups/velparkinggroupcmd.h"
 #include "groups/velvehiclegroupcmd.h"
 #include "player/canbusplayer.h"
+
+#include "drivenround.h"
 
 #include <QtTest/QtTest>
 
@@ -14,7 +14,8 @@
 
 using boxsim::CarState;
 using boxsim::CategoryFrame;
-using boxsim::driveAt;
+using drivenround::driveAt;
+using drivenround::DrivenCar;
 
 namespace {
 
@@ -114,7 +115,7 @@ private Q_SLOTS:
     void comesNearerOnAllFourSidesWhileReversing();
     void showsASoftTireInStateAndText();
     void showsTheOtherFaceOfATurnedGauge();
-    void carriesTheClimateDrive();
+    void turnsAllGaugesForTenSeconds();
     void hasNoDataThatTheHeadUnitCannotRead();
 };
 
@@ -257,8 +258,11 @@ void TestBoxsimCarDrive::beginsTheSameRoundAgain()
 
 void TestBoxsimCarDrive::changesOnlyAtItsSteps()
 {
-    for (int now = 0; now < kRoundMs; now += kStepMs)
-        QVERIFY(driveAt(now + kStepMs - 1) == driveAt(now));
+    DrivenCar car;
+    for (qint64 due = car.dueMs(); due < 2 * kRoundMs; due = car.dueMs()) {
+        QCOMPARE(due % kStepMs, qint64(0));
+        car.at(due);
+    }
 }
 
 void TestBoxsimCarDrive::comesNearerOnAllFourSidesWhileReversing()
@@ -291,25 +295,32 @@ void TestBoxsimCarDrive::showsASoftTireInStateAndText()
 
 void TestBoxsimCarDrive::showsTheOtherFaceOfATurnedGauge()
 {
-    QCOMPARE(driveAt(20000).gauges.topTexts, QStringList({"Coolant", "Oil"}));
-    QCOMPARE(driveAt(20000, {0, 1, 0, 0, 0}).gauges.topTexts, QStringList({"Boost", "Oil"}));
-    QCOMPARE(driveAt(40000).gauges.topTexts, QStringList({"Boost", "Oil pressure"}));
-    QCOMPARE(driveAt(40000, {0, 1, 0, 0, 0}).gauges.topTexts, QStringList({"Coolant", "Oil pressure"}));
+    DrivenCar usual;
+    DrivenCar turned({0, 1, 0, 0, 0});
+
+    QCOMPARE(usual.at(20000).gauges.topTexts, QStringList({"Coolant", "Oil"}));
+    QCOMPARE(usual.at(20000).gauges.valueTexts.at(1), QStringLiteral("90 °C"));
+    QCOMPARE(turned.at(20000).gauges.topTexts, QStringList({"Boost", "Oil"}));
+    QCOMPARE(turned.at(20000).gauges.valueTexts.at(1), QStringLiteral("0.8 bar"));
+    QCOMPARE(turned.at(22000).gauges.valueTexts.at(1), QStringLiteral("1.4 bar"));
 }
 
-void TestBoxsimCarDrive::carriesTheClimateDrive()
+void TestBoxsimCarDrive::turnsAllGaugesForTenSeconds()
 {
-    for (int now = 0; now < kRoundMs; now += kStepMs)
-        QVERIFY(driveAt(now).climate == boxsim::climateDriveAt(now));
+    for (const boxsim::GaugeFaces &faces : {boxsim::GaugeFaces {}, boxsim::GaugeFaces {0, 1, 0, 0, 0}}) {
+        DrivenCar car(faces);
+        QCOMPARE(car.at(33000).gauges.topTexts, QStringList({"Boost", "Oil pressure"}));
+        QCOMPARE(car.at(42750).gauges.topTexts, QStringList({"Boost", "Oil pressure"}));
+        QCOMPARE(car.at(43000).gauges.topTexts, QStringList({"Coolant", "Oil"}));
+    }
 }
 
 void TestBoxsimCarDrive::hasNoDataThatTheHeadUnitCannotRead()
 {
-    const boxsim::GaugeFaces notTurned {};
-    const boxsim::GaugeFaces turned {1, 1, 1, 1, 1};
-    for (int now = 0; now < kRoundMs; now += kStepMs) {
-        for (const auto &faces : {notTurned, turned}) {
-            for (const CategoryFrame &frame : boxsim::framesOf(driveAt(now, faces)))
+    for (const boxsim::GaugeFaces &faces : {boxsim::GaugeFaces {}, boxsim::GaugeFaces {1, 1, 1, 1, 1}}) {
+        DrivenCar car(faces);
+        for (int now = 0; now < kRoundMs; now += kStepMs) {
+            for (const CategoryFrame &frame : boxsim::framesOf(car.at(now)))
                 QVERIFY2(!frame.payload.contains("\x9f\x03"), frame.payload.toHex(' ').constData());
         }
     }
