@@ -1,6 +1,7 @@
 #include "boxsim/line.h"
 #include "boxsim/options.h"
 #include "boxsim/report.h"
+#include "boxsim/scenarioschema.h"
 #include "boxsim/session.h"
 #include "boxsim/setup.h"
 #include "boxsim/steering.h"
@@ -36,22 +37,31 @@ int fail(int status, const QString &error)
     return status;
 }
 
-/// Prints one line at once. When nobody reads any more, the program has nothing left to do and ends.
-void print(const QByteArray &line)
+bool isPrinted(const QByteArray &text)
 {
-    if (std::printf("%s\n", line.constData()) >= 0 && std::fflush(stdout) == 0)
-        return;
-    const int status =
-        errno == EPIPE ? 0 : fail(kRunTimeFailure, QStringLiteral("cannot write to standard output"));
-    std::clearerr(stdout);
-    QCoreApplication::exit(status);
+    return std::fputs(text.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
 }
 
-/// Prints what is all that the program was asked for.
+/// The exit status after something could not be printed. When nobody reads any more, the program has nothing
+/// left to do.
+int statusOfOutput()
+{
+    const bool isUnread = errno == EPIPE;
+    std::clearerr(stdout);
+    return isUnread ? 0 : fail(kRunTimeFailure, QStringLiteral("cannot write to standard output"));
+}
+
+/// Prints one line at once; ends the program if it cannot.
+void print(const QByteArray &line)
+{
+    if (!isPrinted(line + '\n'))
+        QCoreApplication::exit(statusOfOutput());
+}
+
+/// Prints what is all that the program was asked for. @return the exit status
 int answer(const QByteArray &text)
 {
-    const bool isPrinted = std::fputs(text.constData(), stdout) >= 0 && std::fflush(stdout) == 0;
-    return isPrinted ? 0 : fail(kRunTimeFailure, QStringLiteral("cannot write to standard output"));
+    return isPrinted(text) ? 0 : statusOfOutput();
 }
 
 /// Turns the signals that end a program into a readable descriptor. @return the descriptor, or -1
@@ -134,6 +144,8 @@ int main(int argc, char *argv[])
         return answer(options.helpText.toLocal8Bit());
     case Options::Task::ShowVersion:
         return answer("canbus-boxsim " CANBUS_VERSION "\n");
+    case Options::Task::PrintSchema:
+        return answer(scenarioSchema());
     case Options::Task::Check:
         return check(options);
     case Options::Task::Run:

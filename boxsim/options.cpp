@@ -25,6 +25,7 @@ struct Switches {
         option("speed", "Let the scenario's or recording's time run X times as fast.", "X");
     QCommandLineOption loop = option("loop", "Play the recording again and again.");
     QCommandLineOption check = option("check", "Check the scenario, say whether it is correct, and exit.");
+    QCommandLineOption schema = option("print-schema", "Print the JSON schema of scenarios and exit.");
     QCommandLineOption seed = option("seed", "Draw all chance from N: the same N, the same faults.", "N");
     QCommandLineOption dropAnswers =
         option("drop-answers", "Leave out a share P of the answers, 0 to 1.", "P");
@@ -43,8 +44,8 @@ struct Switches {
 
     QList<QCommandLineOption> all() const
     {
-        return {pty,         port,    baud,  scenario, replay,      speed,    loop, check, seed,   fault,
-                dropAnswers, corrupt, split, noise,    silentAfter, notReady, json, help,  version};
+        return {pty,   port,        baud,    scenario, replay, speed,       loop,     check, schema, seed,
+                fault, dropAnswers, corrupt, split,    noise,  silentAfter, notReady, json,  help,   version};
     }
 };
 
@@ -115,13 +116,18 @@ bool Reading::checkTask()
     if (!words.isEmpty())
         return refuse(QStringLiteral("\"%1\" belongs to no option; see --help").arg(words.constFirst()));
     const bool isCheck = isSet(m_switches.check);
+    const bool isSchema = isSet(m_switches.schema);
     const bool hasLine = isSet(m_switches.pty) || isSet(m_switches.port);
     if (isCheck && !isSet(m_switches.scenario))
         return refuse(QStringLiteral("--check goes with --scenario FILE: there is nothing else to check"));
-    if (isCheck && hasLine)
-        return refuse(QStringLiteral("--check opens no line: leave --pty and --port out"));
+    if (isSchema && isSet(m_switches.scenario))
+        return refuse(QStringLiteral("--print-schema takes no --scenario: use --check to check one"));
+    if ((isCheck || isSchema) && hasLine)
+        return refuse(QStringLiteral("--check and --print-schema open no line: leave --pty and --port out"));
     if (isCheck)
         m_options->task = Options::Task::Check;
+    if (isSchema)
+        m_options->task = Options::Task::PrintSchema;
     return true;
 }
 

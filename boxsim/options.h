@@ -14,7 +14,8 @@ namespace boxsim {
 struct Options {
     enum class Task {
         Run,
-        Check, ///< reads the scenario and does nothing else
+        Check,       ///< reads the scenario and does nothing else
+        PrintSchema, ///< of scenarios
         ShowHelp,
         ShowVersion,
     };

@@ -32,6 +32,9 @@ public:
 
     void writeLine(const QByteArray &line) { m_process.write(line + '\n'); }
 
+    /// Ends the standard input.
+    void closeInput() { m_process.closeWriteChannel(); }
+
     void signal(int number) { ::kill(pid_t(m_process.processId()), number); }
 
     /// All lines of standard output so far.
@@ -78,6 +81,14 @@ public:
         if (!m_process.waitForFinished(ms) && m_process.state() != QProcess::NotRunning)
             return false;
         return m_process.exitStatus() == QProcess::NormalExit && m_process.exitCode() == 0;
+    }
+
+    /// Waits for the end. @return the exit status, or -1 when the process does not end by itself
+    int exitStatus(int ms = 10000)
+    {
+        if (!m_process.waitForFinished(ms) && m_process.state() != QProcess::NotRunning)
+            return -1;
+        return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
     }
 
     /// The lines of standard error. Left out: "8" of the port, which says that a read found nothing, as it

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void takesEveryFaultByName();
     void takesTheFullNameOfAFault();
     void checksAScenarioWithoutALine();
+    void printsTheSchemaWithoutALine();
     void takesADeviceAndItsBaudRate();
     void showsHelpAndVersionWithoutALine();
     void theManualPageHasEveryOptionOfTheHelp();
@@ -128,6 +129,11 @@ void TestBoxsimOptions::checksAScenarioWithoutALine()
     QCOMPARE(options.scenario, QStringLiteral("rain.json"));
 }
 
+void TestBoxsimOptions::printsTheSchemaWithoutALine()
+{
+    QCOMPARE(int(parsed({"--print-schema"}).task), int(Options::Task::PrintSchema));
+}
+
 void TestBoxsimOptions::takesADeviceAndItsBaudRate()
 {
     const Options options = parsed({"--port", "/dev/ttyUSB0", "--baud", "115200"});
@@ -160,7 +166,7 @@ void TestBoxsimOptions::theManualPageHasEveryOptionOfTheHelp()
                                         QRegularExpression::MultilineOption);
         QVERIFY2(inPage.match(page).hasMatch(), qPrintable(option));
     }
-    QCOMPARE(options, 19);
+    QCOMPARE(options, 20);
 }
 
 void TestBoxsimOptions::saysWhatIsWrong_data()
@@ -190,6 +196,11 @@ void TestBoxsimOptions::saysWhatIsWrong_data()
         << "--baud takes a whole number from 1 to 2147483647, not \"fast\"";
     QTest::newRow("a baud rate of 0") << QStringList {"--port", "a", "--baud", "0"}
                                       << "--baud takes a whole number from 1 to 2147483647, not \"0\"";
+    const char noLine[] = "--check and --print-schema open no line: leave --pty and --port out";
+    row("a check with a line", {"--check", "--scenario", "b"}, noLine);
+    row("a schema with a line", {"--print-schema"}, noLine);
+    QTest::newRow("a schema of a scenario") << QStringList {"--print-schema", "--scenario", "b"}
+                                            << "--print-schema takes no --scenario: use --check to check one";
     QTest::newRow("a check of nothing")
         << QStringList {"--check"} << "--check goes with --scenario FILE: there is nothing else to check";
     row("a negative time", {"--silent-after=-1"},
