@@ -180,7 +180,7 @@ void TestBoxsimSetup::countsTheStepsOfACorrectScenario_data()
     QTest::newRow("one") << QByteArray(R"({"steps":[{"note":"a"}]})") << "1 step, correct";
     QTest::newRow("steps within steps")
         << QByteArray(R"({"steps":[{"repeat":{"times":2,"steps":[{"note":"a"},{"note":"b"}]}},)"
-                      R"({"wait":{"link":"up"},"timeout":5,"then":[{"note":"c"}],"else":[{"end":true}]}]})")
+                      R"({"wait":{"link":"up","timeout":5},"then":[{"note":"c"}],"else":[{"end":true}]}]})")
         << "6 steps, correct";
 }
 
