@@ -3,6 +3,7 @@
 #include "linkhealth_p.h"
 #include "receivepath.h"
 #include "sendqueue.h"
+#include "support/locker.h"
 #include "velcanbusprotocol.h"
 
 #include <QtCore/QElapsedTimer>
@@ -26,7 +27,7 @@ public:
     void act(Decide &&decide)
     {
         {
-            QMutexLocker lock(&m_mutex);
+            const Locker lock(&m_mutex);
             m_queue.setNow(m_clock.nsecsElapsed() / 1000);
             decide(m_queue, m_effects);
             counters().cacheHighWater.raiseTo(quint64(m_queue.cachedFrames()));
@@ -38,7 +39,7 @@ public:
     template <class Read>
     auto look(Read &&read)
     {
-        QMutexLocker lock(&m_mutex);
+        const Locker lock(&m_mutex);
         return std::invoke(read, m_queue);
     }
 

@@ -1,6 +1,6 @@
 #include "canbusdatamap.h"
 
-#include <QtCore/QMutexLocker>
+#include "support/locker.h"
 
 namespace canbus {
 
@@ -12,7 +12,7 @@ CanBusDataMap *CanBusDataMap::instance()
 
 void CanBusDataMap::setData(unsigned char id, QList<QVariant> list)
 {
-    QMutexLocker lock(&m_mutex);
+    const Locker lock(&m_mutex);
     const auto stored = m_records.constFind(id);
     if (stored != m_records.constEnd() && stored->isSharedWith(list))
         return;
@@ -26,13 +26,13 @@ QByteArray CanBusDataMap::getId(unsigned char id)
 
 QList<QVariant> CanBusDataMap::getData(unsigned char id)
 {
-    QMutexLocker lock(&m_mutex);
+    const Locker lock(&m_mutex);
     return m_records.value(id);
 }
 
 bool CanBusDataMap::isHasData(unsigned char id)
 {
-    QMutexLocker lock(&m_mutex);
+    const Locker lock(&m_mutex);
     return m_records.contains(id);
 }
 

@@ -1,9 +1,9 @@
 #include "serialport.h"
 
 #include "canbuslog.h"
+#include "support/locker.h"
 #include "velcanbusprotocol.h"
 
-#include <QtCore/QMutexLocker>
 #include <QtCore/QSocketNotifier>
 #include <QtSerialPort/QSerialPort>
 
@@ -146,7 +146,7 @@ void SerialPort::deliver(const QByteArray &data)
     CanBusReadBuff *const buffer = CanBusReadBuff::instance();
     Q_EMIT buffer->received(data);
     {
-        QMutexLocker lock(&buffer->mutex);
+        const Locker lock(&buffer->mutex);
         buffer->data += data;
     }
     Q_EMIT read(data);
