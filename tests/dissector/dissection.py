@@ -137,7 +137,8 @@ def trees_of(packet: int, layers: Json) -> list[Tree]:
 
 
 def layers_of(packet: Json) -> Json:
-    return dict(dict(packet)["_source"])["layers"]
+    layers: Json = dict(dict(packet)["_source"])["layers"]
+    return layers
 
 
 def read_packets(folder: Path, recording: Path, *arguments: str) -> list[list[Tree]]:

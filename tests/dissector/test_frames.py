@@ -165,7 +165,7 @@ class Frames(unittest.TestCase):
         early = "9F 02 68 06 00 41 9F 9F 03 42 00 F1 9F 03"
         self.assertEqual(shown_of(box(early)), ["41:9f:03:42:00 early_end"])
         # The box reads it properly, and a check byte 9F does no harm.
-        self.assertEqual(shown_of(head("9F 02 50 93 00 1B 01 46 9F 9F 9F 03")), ["1b:01:46"])
+        self.assertEqual(shown_of(head("9F 02 78 91 00 01 9F 9F 03 74 9F 03")), ["01:9f:03"])
         self.assertEqual(shown_of(box("9F 02 50 93 00 1B 01 46 9F 9F 9F 03")), ["1b:01:46 unknown_category"])
 
     def test_the_loop_back_answer_is_told(self) -> None:

@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
+import tempfile
 import unittest
+from pathlib import Path
 
 import dissection
 from dissection import Tree, box
@@ -91,10 +93,10 @@ FRAMES: list[tuple[str, str, str, dict[str, list[str]]]] = [
     ),
     (
         "centre texts behind a full scale, which is not cleaned",
-        "9F 02 58 04 02 30 00 31 00 00 32 00 00 33 00 00 34 00 00 35 00 00 36 00 00 37 00 00 38 00 00 39 00 00"
-        " 31 30 FF 6B 6D 00 68 00 CF 9F 03",
+        "9F 02 58 04 02 30 00 31 00 00 32 00 00 33 00 00 34 00 00 35 00 00 36 00 00 37 00 00 38 00 00 39 FF 00"
+        " 31 30 30 6B 6D 00 68 00 FF 9F 03",
         "gauges.",
-        {"scale": ["0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10\ufffd"], "centerTexts": ["km", "h"]},
+        {"scale": ["0", "1", "2", "3", "4", "5", "6", "7", "8", "9\ufffd", "100"], "centerTexts": ["km", "h"]},
     ),
     ("a scale of one entry", "9F 02 58 04 02 30 31 5F 9F 03", "gauges.", {"scale": ["01"]}),
     ("top texts", "9F 02 58 04 03 4C 00 52 00 41 9F 03", "gauges.", {"topTexts": ["L", "R"]}),
@@ -249,6 +251,14 @@ class Items(unittest.TestCase):
         [tree] = dissection.trees([box("9F 02 50 21 00 01 70 9F 03")])
         self.assertIn("unknown_category", tree.experts)
         self.assertEqual((tree.one("tp"), tree.one("data")), ("0x21", "01"))
+
+    def test_a_byte_that_is_missing_is_told_from_one_that_is_0(self) -> None:
+        blocks = [box("9F 02 41 01 00 00 00 40 9F 03"), box("9F 02 41 01 00 40 9F 03")]
+        with tempfile.TemporaryDirectory() as name:
+            recording = dissection.write_capture(Path(name), blocks)
+            lines = dissection.tshark(Path(name), recording, "-V", "-O", "canbus").splitlines()
+        found = [line.strip() for line in lines if "not ready (" in line]
+        self.assertEqual(found, ["ready: not ready (0)", "[ready: not ready (0)]"])
 
     def test_a_frame_of_the_box_has_its_parts(self) -> None:
         [tree] = dissection.trees([box("9F 02 60 05 02 21 04 16 54 9F 03")])

@@ -1142,7 +1142,7 @@ function canbus.dissector(tvb, pinfo, tree)
     if not packet then
         local direction = PARTIES[pinfo.p2p_dir] and pinfo.p2p_dir or UNKNOWN
         local time = math.floor(pinfo.abs_ts * 1e6 + 0.5)
-        packet = take_packet(pinfo.number, direction, time, tvb:len() > 0 and tvb:raw() or "")
+        packet = take_packet(pinfo.number, direction, time, tvb:raw())
         packets[pinfo.number] = packet
     end
     local shown = {}
