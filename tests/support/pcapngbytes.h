@@ -24,10 +24,10 @@ inline const char *const kReceived = "06000000 38000000 00000000 240a0600 00401e
                                      "9f02 2101 0100 01 20 9f03 0000"
                                      "0200 0400 01000000 0000 0000"
                                      "38000000";
-inline const char *const kSent = "06000000 30000000 00000000 240a0600 0a401e18 04000000 04000000"
-                                 "9f04 219f"
+inline const char *const kSent = "06000000 34000000 00000000 240a0600 0a401e18 06000000 06000000"
+                                 "9f06 2121 9f03 0000"
                                  "0200 0400 02000000 0000 0000"
-                                 "30000000";
+                                 "34000000";
 
 inline QByteArray joined(std::initializer_list<const char *> parts)
 {

@@ -14,6 +14,7 @@ class tst_monitor_options : public QObject {
 private Q_SLOTS:
     void hasDefaults();
     void takesEveryOption();
+    void readsARecordingInThePlaceOfAPort();
     void showsAScreenBeforeTheCalls();
     void roundsADurationUp();
     void helpAndVersionNeedNothingElseToBeRight();
@@ -42,6 +43,9 @@ void tst_monitor_options::hasDefaults()
     QVERIFY(options->form == Form::Text);
     QVERIFY(!options->durationMs);
     QCOMPARE(options->calls, QStringList());
+    QCOMPARE(options->recordFile, QString());
+    QCOMPARE(options->readFile, QString());
+    QVERIFY(!options->wantsStats);
     QVERIFY(!options->isVerbose);
     QVERIFY(!options->wantsHelp);
     QVERIFY(!options->wantsVersion);
@@ -50,14 +54,26 @@ void tst_monitor_options::hasDefaults()
 void tst_monitor_options::takesEveryOption()
 {
     const auto options = parsed({"--port", "/dev/ttyUSB0", "--baud", "9600", "--json", "--for", "2.5",
-                                 "--call", "climate.acBtn", "--call=climate.manualTemp=21", "--verbose"});
+                                 "--call", "climate.acBtn", "--call=climate.manualTemp=21", "--verbose",
+                                 "--record", "drive.pcapng", "--stats"});
     QVERIFY2(options, qPrintable(options.error()));
     QCOMPARE(options->port, QStringLiteral("/dev/ttyUSB0"));
     QCOMPARE(options->baud, 9600);
     QVERIFY(options->form == Form::Json);
     QCOMPARE(options->durationMs.value_or(0), 2500);
     QCOMPARE(options->calls, (QStringList {"climate.acBtn", "climate.manualTemp=21"}));
+    QCOMPARE(options->recordFile, QStringLiteral("drive.pcapng"));
+    QVERIFY(options->wantsStats);
     QVERIFY(options->isVerbose);
+}
+
+void tst_monitor_options::readsARecordingInThePlaceOfAPort()
+{
+    const auto options = parsed({"--read", "drive.pcapng", "--json", "--for", "2", "--stats", "--verbose"});
+    QVERIFY2(options, qPrintable(options.error()));
+    QCOMPARE(options->readFile, QStringLiteral("drive.pcapng"));
+    QCOMPARE(options->durationMs.value_or(0), 2000);
+    QVERIFY(options->wantsStats);
 }
 
 void tst_monitor_options::showsAScreenBeforeTheCalls()
@@ -113,6 +129,15 @@ void tst_monitor_options::refusesAndSaysWhatWouldBeRight_data()
     QTest::newRow("negative duration") << QStringList {"--for=-1"} << R"(--for "-1")" + seconds;
     QTest::newRow("not a number") << QStringList {"--for", "nan"} << R"(--for "nan")" + seconds;
     QTest::newRow("for ever") << QStringList {"--for", "inf"} << R"(--for "inf")" + seconds;
+    QTest::newRow("an empty file to record")
+        << QStringList {"--record", ""} << "--record is empty: write a file, for example drive.pcapng";
+    QTest::newRow("an empty file to read")
+        << QStringList {"--read", ""} << "--read is empty: write a file, for example drive.pcapng";
+    const QString noPort = QStringLiteral(" and --read: a recording is read without a port, leave one out");
+    for (const char *option : {"--port", "--baud", "--record", "--call", "--screen"}) {
+        QTest::newRow(qPrintable(QStringLiteral("a recording and %1").arg(option)))
+            << QStringList {"--read", "drive.pcapng", option, "x"} << option + noPort;
+    }
     QTest::newRow("too long") << QStringList {"--for", "2147484"} << R"(--for "2147484")" + seconds;
 }
 
@@ -127,9 +152,9 @@ void tst_monitor_options::refusesAndSaysWhatWouldBeRight()
 void tst_monitor_options::helpNamesEveryOption_data()
 {
     QTest::addColumn<QString>("option");
-    for (const char *option :
-         {"--port <DEVICE>", "--baud <N>", "--json", "--for <SECONDS>", "--screen <NAME>",
-          "--call <GROUP.CONTROL[=ARG,...]>", "--verbose", "--help", "--version"})
+    for (const char *option : {"--port <DEVICE>", "--baud <N>", "--json", "--for <SECONDS>",
+                               "--screen <NAME>", "--call <GROUP.CONTROL[=ARG,...]>", "--record <FILE>",
+                               "--read <FILE>", "--stats", "--verbose", "--help", "--version"})
         QTest::newRow(option) << option;
 }
 
@@ -153,7 +178,7 @@ void tst_monitor_options::theManualPageHasEveryOptionOfTheHelp()
                                         QRegularExpression::MultilineOption);
         QVERIFY2(inPage.match(page).hasMatch(), qPrintable(option));
     }
-    QCOMPARE(options, 9);
+    QCOMPARE(options, 12);
 }
 
 QTEST_GUILESS_MAIN(tst_monitor_options)

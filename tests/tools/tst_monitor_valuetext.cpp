@@ -10,9 +10,18 @@ namespace {
 
 enum Unknown { kUnknown };
 
+class Door {
+    Q_GADGET
+
+public:
+    enum class State { Shut, Open };
+    Q_ENUM(State)
+};
+
 } // namespace
 
 Q_DECLARE_METATYPE(Unknown)
+Q_DECLARE_METATYPE(Door::State)
 
 class tst_monitor_valuetext : public QObject {
     Q_OBJECT
@@ -53,6 +62,15 @@ void tst_monitor_valuetext::writesValues_data()
                            << R"("9f0200")";
     QTest::newRow("no bytes") << QVariant(QByteArray()) << ""
                               << R"("")";
+    QTest::newRow("a value of an enumeration") << QVariant::fromValue(Door::State::Open) << "Open"
+                                               << R"("Open")";
+    QTest::newRow("a value that its enumeration has not")
+        << QVariant::fromValue(Door::State(7)) << R"("<Door::State>")"
+        << R"("<Door::State>")";
+    QTest::newRow("values by name") << QVariant(
+        QVariantMap {{QStringLiteral("b"), 2}, {QStringLiteral("a"), QStringLiteral("x")}})
+                                    << R"({a:"x",b:2})"
+                                    << R"({"a":"x","b":2})";
     QTest::newRow("texts") << QVariant(QStringList {QStringLiteral("a,b"), QStringLiteral("c\"")})
                            << R"(["a,b","c\""])"
                            << R"(["a,b","c\""])";

@@ -83,7 +83,7 @@ void tst_recording::writesThePublishedFormatByteForByte()
     QVERIFY2(writer.open(path, Head {"on then", "canbus-monitor 1.0.0", "/dev/ttyS3"}),
              qPrintable(writer.error()));
     QVERIFY(writer.write(Direction::Received, 1700000000000000, bytes("9f02 2101 0100 01 20 9f03")));
-    QVERIFY(writer.write(Direction::Sent, 1700000000000010, bytes("9f04 219f")));
+    QVERIFY(writer.write(Direction::Sent, 1700000000000010, bytes("9f06 2121 9f03")));
     QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly)); // while it is still being written
     QCOMPARE(file.readAll().toHex(), joined({kSection, kInterface, kReceived, kSent}).toHex());

@@ -199,8 +199,10 @@ void Playback::advanceTo(qint64 us)
 void Playback::finish()
 {
     m_sent->end();
-    while (!isToldToStop() && pass())
-        clock()->advanceTo(clock()->nowUs() + kTickUs);
+    do {
+        clock()->advanceTo(m_nextTickUs);
+        m_nextTickUs += m_tickUs;
+    } while (!isToldToStop() && pass());
     if (!m_isStopped)
         clock()->advanceTo(clock()->nowUs() + kSettleUs);
 }
