@@ -315,6 +315,8 @@ class Library(unittest.TestCase):
 
     def test_the_recordings_of_the_tests(self) -> None:
         recordings = sorted(RECORDINGS.glob("*.pcapng"))
+        if not recordings:
+            self.skipTest(f"{RECORDINGS} holds none")
         for recording in recordings:
             self.check_recording(recording)
 
