@@ -69,8 +69,8 @@ public:
     quint64 lastAnswerUs = 0;    ///< from the frame's first transmission to its answer
     quint64 meanAnswerUs = 0;    ///< over all answers to frames that had been sent
     quint64 maxAnswerUs = 0;
-    quint64 connectRequests = 0;  ///< made, not counting retransmissions
-    quint64 connectionChecks = 0; ///< made, not counting retransmissions
+    quint64 connectRequests = 0;  ///< put into the cache, not counting retransmissions
+    quint64 connectionChecks = 0; ///< put into the cache, not counting retransmissions
     quint64 linkLosses = 0;       ///< how often the link was reported down
     quint64 portErrors = 0;       ///< errors that the serial port has reported
     /// By the category's name in wireconstants.h ("Climate"), "Other" for the rest: a map with "frames" (good

@@ -4,6 +4,8 @@
 #include "support/bytes.h"
 #include "wireconstants.h"
 
+#include <utility>
+
 namespace canbus {
 
 namespace {
@@ -44,6 +46,7 @@ bool SendQueue::enqueue(const QByteArray &frame, LinkEffects &effects)
         end(effects, frame, LinkHealth::Fate::NotAccepted);
         return false;
     }
+    m_hasLeftOut = false;
     m_cache.append(frame);
     restart(effects);
     return true;
@@ -102,11 +105,10 @@ void SendQueue::confirmLink(quint8 id, LinkEffects &effects) const
         effects.push_back({LinkEffect::LinkUp});
 }
 
-void SendQueue::requestConnect(LinkEffects &effects)
+SendQueue::Appending SendQueue::requestConnect(LinkEffects &effects)
 {
     m_handshaking = true;
-    m_cache.append(connectionFrame(kConnectRequestId, kConnectRequest));
-    restart(effects);
+    return appendConnectFrame(connectionFrame(kConnectRequestId, kConnectRequest), effects);
 }
 
 void SendQueue::boxReady(const QByteArray &id, LinkEffects &effects)
@@ -122,10 +124,22 @@ void SendQueue::boxNotReady(LinkEffects &effects) const
     stop(effects, LinkTimer::CheckConnect);
 }
 
-void SendQueue::checkConnect(LinkEffects &effects)
+SendQueue::Appending SendQueue::checkConnect(LinkEffects &effects)
 {
-    m_cache.append(connectionCheck(connectionId()));
+    return appendConnectFrame(connectionCheck(connectionId()), effects);
+}
+
+SendQueue::Appending SendQueue::appendConnectFrame(const QByteArray &frame, LinkEffects &effects)
+{
+    if (m_cache.size() < kCacheBound)
+        m_hasLeftOut = false;
+    Appending appending = Appending::Appended;
+    if (m_cache.size() >= kOverfull && m_cache.contains(frame))
+        appending = std::exchange(m_hasLeftOut, true) ? Appending::LeftOut : Appending::FirstLeftOut;
+    else
+        m_cache.append(frame);
     restart(effects);
+    return appending;
 }
 
 QByteArray SendQueue::connectionCheck(quint8 id)

@@ -47,11 +47,21 @@ using LinkEffects = std::deque<LinkEffect>;
 /// a time; an answer is matched by its id alone.
 class SendQueue {
 public:
-    static constexpr int kCacheBound = 65;      ///< frames that commands may fill the cache to
+    static constexpr int kCacheBound = 65; ///< frames that commands may fill the cache to
+    /// Frames beyond which a connect request or connection check is not cached twice: a box may provoke them
+    /// without end.
+    static constexpr int kOverfull = 1024;
     static constexpr int kMaxTransmissions = 3; ///< of one frame, before it is given up
     static constexpr int kResendIntervalMs = 300;
     static constexpr int kRequestConnectIntervalMs = 2000;
     static constexpr int kCheckConnectIntervalMs = 15000;
+
+    /// What has become of a connect request or connection check.
+    enum class Appending {
+        Appended,
+        LeftOut,      ///< the cache is overfull, and an equal frame waits in it
+        FirstLeftOut, ///< as LeftOut, for the first time since the cache has last taken commands
+    };
 
     /// The time of the operations that follow, in microseconds since any moment.
     void setNow(qint64 nowUs) { m_nowUs = nowUs; }
@@ -76,8 +86,9 @@ public:
     /// An ACK with this id: reports the link up when it answers a connection check.
     void confirmLink(quint8 id, LinkEffects &effects) const;
 
-    /// Begins or goes on with the handshake: a connect request, appended whatever the cache holds.
-    void requestConnect(LinkEffects &effects);
+    /// Begins or goes on with the handshake: a connect request, appended whatever the cache holds unless that
+    /// is overfull. Sends the head of the cache in both cases.
+    Appending requestConnect(LinkEffects &effects);
 
     /// The box has reported itself ready in a frame with this id: the handshake is over.
     void boxReady(const QByteArray &id, LinkEffects &effects);
@@ -85,8 +96,8 @@ public:
     /// The box has reported itself not ready: no connection checks until it is.
     void boxNotReady(LinkEffects &effects) const;
 
-    /// Sends a connection check, appended whatever the cache holds.
-    void checkConnect(LinkEffects &effects);
+    /// Sends a connection check, appended like a connect request.
+    Appending checkConnect(LinkEffects &effects);
 
     /// The connection check that carries this id.
     static QByteArray connectionCheck(quint8 id);
@@ -98,6 +109,7 @@ public:
     quint8 connectionId() const;                     ///< the id of the box's ready reply, 0 before it
 
 private:
+    Appending appendConnectFrame(const QByteArray &frame, LinkEffects &effects);
     void takeHead();
     void transmit(LinkEffects &effects);
     void endCurrent(LinkHealth::Fate fate, LinkEffects &effects);
@@ -112,6 +124,7 @@ private:
     quint8 m_currentId = 0;
     // There is no link to lose before the first connection.
     bool m_handshaking = true;
+    bool m_hasLeftOut = false; // since the cache has last taken commands
 };
 
 } // namespace canbus

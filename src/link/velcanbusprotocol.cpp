@@ -220,14 +220,12 @@ void VelCanBusProtocol::onCheckConnectTmrout()
         const quint8 id = d->look(&SendQueue::connectionId);
         CANBUS_DEBUG() << logging::hex(id) << SendQueue::connectionCheck(id);
     }
-    d->counters().connectionChecks.add();
-    d->act([](SendQueue &queue, LinkEffects &effects) { queue.checkConnect(effects); });
+    d->addConnectFrame(CANBUS_HERE, &SendQueue::checkConnect, d->counters().connectionChecks);
 }
 
 void VelCanBusProtocol::onRequestConnect()
 {
-    d->counters().connectRequests.add();
-    d->act([](SendQueue &queue, LinkEffects &effects) { queue.requestConnect(effects); });
+    d->addConnectFrame(CANBUS_HERE, &SendQueue::requestConnect, d->counters().connectRequests);
 }
 
 void VelCanBusProtocol::onSendTmrout()

@@ -34,6 +34,21 @@ void VelCanBusProtocolPrivate::answered(quint8 id, LinkHealth::Fate fate)
     act([id, fate](SendQueue &queue, LinkEffects &effects) { queue.answered(id, fate, effects); });
 }
 
+void VelCanBusProtocolPrivate::addConnectFrame(const logging::Origin &origin,
+                                               SendQueue::Appending (SendQueue::*add)(LinkEffects &),
+                                               Counter &made)
+{
+    auto appending = SendQueue::Appending::Appended;
+    act([&](SendQueue &queue, LinkEffects &effects) {
+        appending = (queue.*add)(effects);
+        if (appending == SendQueue::Appending::Appended)
+            made.add();
+    });
+    if (appending == SendQueue::Appending::FirstLeftOut)
+        CANBUS_ERROR_AT(origin)
+            << "canbus sendCacheBuffer is overfull: it takes no second frame of this kind";
+}
+
 void VelCanBusProtocolPrivate::writeThrough(const QByteArray &block)
 {
     act([&block](SendQueue &, LinkEffects &effects) { effects.push_back({LinkEffect::Write, block}); });

@@ -46,6 +46,10 @@ public:
     /// An ACK or NACK with this id, or what stands for one.
     void answered(quint8 id, LinkHealth::Fate fate);
 
+    /// Adds a connect request or connection check, counts it, and logs the first one that is left out.
+    void addConnectFrame(const logging::Origin &origin, SendQueue::Appending (SendQueue::*add)(LinkEffects &),
+                         Counter &made);
+
     /// Counts the bytes that the serial port receives, from now on.
     void countReceivedBytes();
 

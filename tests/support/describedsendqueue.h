@@ -9,8 +9,9 @@
 /// "stop request", "up", "down", and if that is wanted "ended 9f.. acknowledged after 2 in 300 us".
 struct DescribedSendQueue {
     canbus::SendQueue queue;
-    bool accepted = false;      ///< what the last enqueue() returned
-    bool sendTimerEnds = false; ///< what the last resend() returned
+    canbus::SendQueue::Appending appending = {}; ///< what the last request() or check() returned
+    bool accepted = false;                       ///< what the last enqueue() returned
+    bool sendTimerEnds = false;                  ///< what the last resend() returned
     bool tellsEnds = false;
 
     QStringList enqueue(const QByteArray &frame)
@@ -25,9 +26,23 @@ struct DescribedSendQueue {
         return takeEffects();
     }
 
-    QStringList restart() { return effectsOf(&canbus::SendQueue::restart); }
-    QStringList request() { return effectsOf(&canbus::SendQueue::requestConnect); }
-    QStringList check() { return effectsOf(&canbus::SendQueue::checkConnect); }
+    QStringList restart()
+    {
+        queue.restart(effects);
+        return takeEffects();
+    }
+
+    QStringList request()
+    {
+        appending = queue.requestConnect(effects);
+        return takeEffects();
+    }
+
+    QStringList check()
+    {
+        appending = queue.checkConnect(effects);
+        return takeEffects();
+    }
 
     QStringList answer(int id, canbus::LinkHealth::Fate fate = canbus::LinkHealth::Fate::Acknowledged)
     {
@@ -54,12 +69,6 @@ struct DescribedSendQueue {
     }
 
 private:
-    QStringList effectsOf(void (canbus::SendQueue::*operation)(canbus::LinkEffects &))
-    {
-        (queue.*operation)(effects);
-        return takeEffects();
-    }
-
     QStringList takeEffects()
     {
         QStringList found;
