@@ -339,7 +339,7 @@ void TestBoxsimBox::readsTheHandshakeHoweverItIsCut()
 {
     const QByteArray all = bytes("9f 02 21 01 00 00 00 20 9f 03  9f 06 40 40 9f 03");
     for (int cut = 0; cut <= all.size(); ++cut) {
-        Box box();
+        Box box;
         Output first = box.receive(all.left(cut), 0);
         const Output second = box.receive(all.mid(cut), 1);
 
@@ -351,7 +351,7 @@ void TestBoxsimBox::readsTheHandshakeHoweverItIsCut()
 
 void TestBoxsimBox::tellsWhoseIdACommandCarries()
 {
-    Box box();
+    Box box;
     const Output output = box.receive(
         bytes("9f 02 57 92 00 00 c5 9f 03  9f 02 40 01 00 00 01 40 9f 03  9f 02 21 92 00 00 b3 9f 03"), 0);
 
