@@ -13,9 +13,9 @@ namespace canbus::recording {
 
 namespace {
 
-constexpr quint32 kLongestBlock = 16 * 1024 * 1024;
+constexpr quint32 kLongestBlock = 0x1000000;
 constexpr qint64 kLargestFile = std::numeric_limits<qint32>::max() / 2;
-constexpr qint64 kReadAtOnce = 1024 * 1024;
+constexpr qint64 kReadAtOnce = 0x100000;
 
 struct Interface {
     Clock clock;

@@ -95,6 +95,7 @@ private Q_SLOTS:
     void printsTheRecordingsTimes();
     void theLinkIsLostWhenItWas();
     void aLinkThatAsksAgainHasBeenLost();
+    void aCheckBehindAConnectRequestLosesNoLink();
     void aCheckThatIsAnsweredLateLosesNoLink();
     void gaugeValuesKeepTheirDistance();
     void takesOneFrameATick();
@@ -184,6 +185,26 @@ void tst_monitor_recordings::aLinkThatAsksAgainHasBeenLost()
     QCOMPARE(monitor.waitForEnd(), 0);
     QCOMPARE(monitor.output(),
              QByteArray("player canbusConnectStatus status=true\nplayer canbusConnectStatus status=false\n"));
+}
+
+void tst_monitor_recordings::aCheckBehindAConnectRequestLosesNoLink()
+{
+    const Files files;
+    Command monitor({"--stats", "--json", "--read",
+                     files.write({
+                         {0, kSent, "9f02 21 01 00 0000 20 9f03"},
+                         {20, kReceived, "9f02 40 01 00 0001 40 9f03"}, // its ACK was lost
+                         {28, kSent, "9f02 21 01 00 0000 20 9f03"},
+                         {28, kSent, "9f06 40 40 9f03"},
+                         {30, kReceived, "9f06 21 21 9f03"},
+                         {38, kSent, "9f02 40 01 00 0001 40 9f03"},
+                         {40, kReceived, "9f06 40 40 9f03"},
+                     })});
+    QCOMPARE(monitor.waitForEnd(), 0);
+    QCOMPARE(monitor.output().count(R"("fate":"GivenUp")"), 0);
+    QCOMPARE(monitor.output().count(R"("fate":"Acknowledged")"), 2);
+    QVERIFY2(monitor.output().contains(R"("sentFrames":3,)"), monitor.output().constData());
+    QVERIFY(monitor.output().contains(R"("status":true)"));
 }
 
 void tst_monitor_recordings::aCheckThatIsAnsweredLateLosesNoLink()

@@ -78,13 +78,17 @@ void SentTraffic::take(const QByteArray &block)
         if (takeOwn(block))
             return;
     }
+    if (block != m_current) {
+        // One frame is under way at a time: the one before it has been answered by now, or given up.
+        passWhile([this, before = m_current] { return !m_current.isEmpty() && m_current == before; });
+        if (takeOwn(block))
+            return;
+    }
     const QScopedValueRollback<bool> following(m_isFollowing, true);
     if (block == m_current) {
         m_protocol->restartSendTmr();
         return;
     }
-    // One frame is under way at a time: the one before it has been answered by now, or given up.
-    passWhile([this, before = m_current] { return !m_current.isEmpty() && m_current == before; });
     giveUp();
     send(block);
 }
