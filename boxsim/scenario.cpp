@@ -92,7 +92,7 @@ bool readScenario(const QByteArray &json, const QString &name, Scenario *scenari
 
 bool loadScenario(const QString &path, Scenario *scenario, QString *error)
 {
-    constexpr qint64 kLargestFile = 1024 * 1024;
+    constexpr qint64 kLargestFile = 1 << 20;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         *error = reasonOf(file);

@@ -6,7 +6,7 @@
 namespace boxsim {
 
 /// The times that a scenario can name end here, at a day.
-constexpr qint64 kLongestMs = 24 * 60 * 60 * 1000;
+constexpr qint64 kLongestMs = qint64(24) * 60 * 60 * 1000;
 
 /// Reads an object of fields and their values.
 QVector<Assignment> readAssignments(const JsonPlace &object);

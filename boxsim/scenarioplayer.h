@@ -26,20 +26,20 @@ public:
 private:
     /// A list of steps under way.
     struct List {
-        const std::vector<Step> *steps;
-        int times; ///< how often it still runs, this time included; Step::kForEver
-        qint64 beganMs;
-        qint64 reachedMs;   ///< the steps before have begun, and those that hold up the list are over
-        qint64 stepEndMs;   ///< the end of the step before
-        qint64 latestEndMs; ///< the last end of all steps so far
+        const std::vector<Step> *steps = nullptr;
+        int times = 1; ///< how often it still runs, this time included; Step::kForEver
+        qint64 beganMs = 0;
+        qint64 reachedMs = 0;   ///< the steps before have begun, and those that hold up the list are over
+        qint64 stepEndMs = 0;   ///< the end of the step before
+        qint64 latestEndMs = 0; ///< the last end of all steps so far
         std::size_t next = 0;
     };
 
     /// A ramp under way.
     struct Running {
-        const Step *step;
-        qint64 beganMs;
-        qint64 nextMs;
+        const Step *step = nullptr;
+        qint64 beganMs = 0;
+        qint64 nextMs = 0;
         std::vector<std::optional<int>> shown; ///< the value of each curve that was set last
     };
 

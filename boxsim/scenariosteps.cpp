@@ -129,7 +129,8 @@ void readThenAndElse(const JsonPlace &object, const QString &deed, Step *step)
 {
     const QString then = QStringLiteral("then");
     if (deed != QLatin1String("wait")) {
-        for (const QString &name : object.present({then, kElse}))
+        const QStringList names = object.present({then, kElse});
+        for (const QString &name : names)
             object[name].refuse(QStringLiteral("goes with a wait alone"));
         return;
     }
