@@ -58,6 +58,7 @@ VelGaugesGroupCmd::VelGaugesGroupCmd(QObject *parent)
     qRegisterMetaType<QList<bool>>("QList<bool>");
     m_throttleTimer.setInterval(kThrottleMs);
     m_throttleTimer.setSingleShot(true);
+    m_throttleTimer.setTimerType(Qt::PreciseTimer); // a coarse one may be 15 ms early or late
     connect(&m_throttleTimer, &QTimer::timeout, this, &VelGaugesGroupCmd::onTimerOut);
 }
 

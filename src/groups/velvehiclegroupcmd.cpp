@@ -27,6 +27,7 @@ VelVehicleGroupCmd::VelVehicleGroupCmd(QObject *parent)
 {
     m_tireTextTimer.setInterval(kTireTextDelayMs);
     m_tireTextTimer.setSingleShot(true);
+    m_tireTextTimer.setTimerType(Qt::PreciseTimer); // a coarse one may be 15 ms early or late
     connect(&m_tireTextTimer, &QTimer::timeout, this, &VelVehicleGroupCmd::onTimerOut);
 }
 
