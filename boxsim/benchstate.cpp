@@ -6,6 +6,10 @@ namespace boxsim {
 
 void apply(BenchState &state, const Assignment &assignment)
 {
+    if (!allFields().at(assignment.field).name.startsWith(QLatin1String("measured."))) {
+        fieldRows().at(assignment.field).write(state, assignment.entry, assignment.value);
+        return;
+    }
     const GaugesState before = gaugesShowing(state.measured, state.faces);
     fieldRows().at(assignment.field).write(state, assignment.entry, assignment.value);
     applyChanges(state.car.gauges, before, gaugesShowing(state.measured, state.faces));

@@ -37,11 +37,12 @@ void addBlockFaults(Rows &rows)
     rows.add("split", &Faults::split, "every byte is a block of its own")
         .add("splitAt", &Faults::splitAt, "bytes of the first of two blocks of each frame; 0 leaves it whole",
              kFrameBytes)
-        .add("splitRound", &Faults::splitRound, "each frame is cut in two, one byte later than the last one")
+        .add("splitRound", &Faults::splitRound,
+             "each frame is cut in two, one byte later than the last one of its length")
         .add("mergeMs", &Faults::mergeMs, "what is written within so many milliseconds is one block",
              kMilliseconds)
-        .add("pauseMs", &Faults::pauseMs, "milliseconds between the two halves of a frame that is cut",
-             kMilliseconds);
+        .add("pauseMs", &Faults::pauseMs,
+             "milliseconds between the pieces of a frame; a whole one is cut in its middle", kMilliseconds);
 }
 
 } // namespace

@@ -11,13 +11,6 @@ namespace {
 
 using Kind = Instruction::Kind;
 
-qint64 earlier(qint64 a, qint64 b)
-{
-    if (a == kNever || b == kNever)
-        return qMax(a, b);
-    return qMin(a, b);
-}
-
 bool isDue(qint64 dueMs, qint64 nowMs)
 {
     return dueMs != kNever && dueMs <= nowMs;
@@ -91,7 +84,7 @@ QVector<Instruction> ScenarioPlayer::advance(qint64 nowMs)
 qint64 ScenarioPlayer::dueMs() const
 {
     const qint64 given = m_given.isEmpty() ? kNever : m_givenMs;
-    return earlier(given, earlier(rampsDueMs(), listsDueMs()));
+    return earliest({given, rampsDueMs(), listsDueMs()});
 }
 
 void ScenarioPlayer::runUntil(qint64 nowMs)
@@ -99,7 +92,7 @@ void ScenarioPlayer::runUntil(qint64 nowMs)
     for (;;) {
         const qint64 ramps = rampsDueMs();
         const qint64 lists = listsDueMs();
-        const qint64 next = earlier(ramps, lists);
+        const qint64 next = earliest({ramps, lists});
         if (!isDue(next, nowMs))
             return;
         if (ramps == next)
@@ -129,7 +122,7 @@ qint64 ScenarioPlayer::rampsDueMs() const
 {
     qint64 due = kNever;
     for (const Running &ramp : m_ramps)
-        due = earlier(due, ramp.nextMs);
+        due = earliest({due, ramp.nextMs});
     return due;
 }
 
