@@ -39,7 +39,9 @@ public:
     QStringList events() const
     {
         QMutexLocker lock(&m_mutex);
-        return m_events;
+        QStringList events = m_events;
+        events.detach(); // what is shared would be read without the lock
+        return events;
     }
 
 private:
