@@ -56,7 +56,7 @@ VelCanBusProtocol::~VelCanBusProtocol()
 
 void VelCanBusProtocol::analyseData(QByteArray data)
 {
-    d->testBuffer += data;
+    d->addTestBytes(data);
     TestSerialPort();
 }
 
@@ -68,7 +68,7 @@ LinkHealth *VelCanBusProtocol::linkHealth() const
 void VelCanBusProtocol::TestSerialPort()
 {
     static const QByteArray question("121314151617");
-    const QByteArray heard = std::exchange(d->testBuffer, QByteArray());
+    const QByteArray heard = d->takeTestBytes();
 
     const int compared = std::min(heard.size(), question.size());
     const auto differing = std::mismatch(heard.begin(), heard.begin() + compared, question.begin());
@@ -88,6 +88,7 @@ void VelCanBusProtocol::onParseDataTmrout()
     QByteArray &buffer = CanBusReadBuff::instance()->data;
     d->counters().bufferHighWater.raiseTo(quint64(buffer.size()));
     d->counters().countPass(receive::runPass(buffer, *this));
+    d->carryOutTheRest();
     d->inPass = false;
 }
 
@@ -237,9 +238,14 @@ void VelCanBusProtocol::onSendTmrout()
             CANBUS_DEBUG() << before.transmissions() << (cached == 0) << cached;
     }
     d->act([this](SendQueue &queue, LinkEffects &effects) {
-        // Directly, unlike all other starts and stops: this is the timer's own thread.
-        if (queue.resend(effects))
+        if (!queue.resend(effects))
+            return;
+        // Directly, unlike all other starts and stops, since this is the timer's own thread; but a slot of
+        // the parser thread may call this too.
+        if (QThread::currentThread() == thread())
             d->sendTimer.stop();
+        else
+            effects.push_back({LinkEffect::StopTimer, {}, LinkTimer::Send});
     });
 }
 

@@ -99,8 +99,9 @@ private:
 /// Threads: the receive path (the steps of a pass, the answers, the parse operations) runs on the parser
 /// thread; the timers' slots and commands run on the protocol's own. What both use, the state of sending,
 /// has a lock, which is never held while a signal is emitted: a directly connected slot may call every
-/// operation here. Signals about writing and about the link's state come out in the order of the decisions
-/// behind them, on whichever of the two threads is at it.
+/// operation here, on either thread; those of the receive path want the mutex of CanBusReadBuff, which the
+/// parser thread holds already. Signals about writing and about the link's state come out in the order of the
+/// decisions behind them, on whichever of the two threads is at it.
 class CANBUS_EXPORT VelCanBusProtocol : public CanbusProtocol {
     Q_OBJECT
 
@@ -170,8 +171,7 @@ public Q_SLOTS:
     void onCheckConnectTmrout();
     /// Sends a connect request; until the box is ready, frames that are given up are not a lost link.
     void onRequestConnect();
-    /// Resends the current frame, or gives it up after its third transmission. Call it on the protocol's
-    /// thread.
+    /// Resends the current frame, or gives it up after its third transmission.
     void onSendTmrout();
     /// Caches one complete frame and sends the head of the cache. With 65 frames cached it is refused, which
     /// is logged.

@@ -2,6 +2,7 @@
 
 #include <QtCore/QMetaObject>
 
+#include <algorithm>
 #include <utility>
 
 namespace canbus {
@@ -34,6 +35,18 @@ void VelCanBusProtocolPrivate::answered(quint8 id, LinkHealth::Fate fate)
     act([id, fate](SendQueue &queue, LinkEffects &effects) { queue.answered(id, fate, effects); });
 }
 
+void VelCanBusProtocolPrivate::addTestBytes(const QByteArray &bytes)
+{
+    const Locker lock(&m_mutex);
+    m_testBytes += bytes;
+}
+
+QByteArray VelCanBusProtocolPrivate::takeTestBytes()
+{
+    const Locker lock(&m_mutex);
+    return std::exchange(m_testBytes, QByteArray());
+}
+
 void VelCanBusProtocolPrivate::addConnectFrame(const logging::Origin &origin,
                                                SendQueue::Appending (SendQueue::*add)(LinkEffects &),
                                                Counter &made)
@@ -54,20 +67,37 @@ void VelCanBusProtocolPrivate::writeThrough(const QByteArray &block)
     act([&block](SendQueue &, LinkEffects &effects) { effects.push_back({LinkEffect::Write, block}); });
 }
 
-void VelCanBusProtocolPrivate::carryOut()
+void VelCanBusProtocolPrivate::carryOutTheRest()
 {
+    quint64 end = 0;
+    {
+        const Locker lock(&m_mutex);
+        end = decidedEffects();
+    }
+    carryOutUpTo(end);
+}
+
+void VelCanBusProtocolPrivate::carryOutUpTo(quint64 end)
+{
+    const Qt::HANDLE thread = QThread::currentThreadId();
     QMutexLocker lock(&m_mutex);
-    if (m_carryingOut)
-        return; // by the other thread, or further up on this one
-    m_carryingOut = true;
-    while (!m_effects.empty()) {
+    if (m_carryingThread) {
+        // Further up on this thread: that loop goes on to what was decided within it.
+        if (m_carryingThread == thread)
+            m_end = std::max(m_end, end);
+        return;
+    }
+    m_carryingThread = thread;
+    m_end = end;
+    while (m_begunEffects < m_end) {
         const LinkEffect effect = std::move(m_effects.front());
         m_effects.pop_front();
+        ++m_begunEffects;
         lock.unlock();
         perform(effect);
         lock.relock();
     }
-    m_carryingOut = false;
+    m_carryingThread = nullptr;
 }
 
 void VelCanBusProtocolPrivate::perform(const LinkEffect &effect)

@@ -8,6 +8,7 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QMutex>
+#include <QtCore/QThread>
 #include <QtCore/QTimer>
 
 #include <functional>
@@ -22,18 +23,25 @@ public:
 
     /// Lets `decide(queue, effects)` change the state of sending under its lock, then carries the effects
     /// out without it. The effects of all threads go through one list, and one thread at a time works it
-    /// off: so their order is that of the decisions, and nobody waits for foreign code.
+    /// off: so their order is that of the decisions, and nobody waits for foreign code. Nobody works for
+    /// another thread without end either: what is decided elsewhere meanwhile is left to that thread or to
+    /// the end of the parser's pass.
     template <class Decide>
     void act(Decide &&decide)
     {
+        quint64 end = 0;
         {
             const Locker lock(&m_mutex);
             m_queue.setNow(m_clock.nsecsElapsed() / 1000);
             decide(m_queue, m_effects);
             counters().cacheHighWater.raiseTo(quint64(m_queue.cachedFrames()));
+            end = decidedEffects();
         }
-        carryOut();
+        carryOutUpTo(end);
     }
+
+    /// Carries out what has been decided until now and is left, unless another thread is at it.
+    void carryOutTheRest();
 
     /// Reads the state of sending under its lock.
     template <class Read>
@@ -58,6 +66,10 @@ public:
     /// Writes a block that no answer is expected for, in order with all others.
     void writeThrough(const QByteArray &block);
 
+    /// The bytes that the loop-back test has not compared yet.
+    void addTestBytes(const QByteArray &bytes);
+    QByteArray takeTestBytes();
+
     // Any thread.
     LinkHealth health;
 
@@ -65,7 +77,6 @@ public:
     QTimer checkConnectTimer;
     QTimer requestConnectTimer;
     QTimer sendTimer;
-    QByteArray testBuffer;
 
     // Parser thread, or whoever else holds the mutex of CanBusReadBuff.
     bool inPass = false;
@@ -77,7 +88,8 @@ public:
     CanbusTickThread *tickThread = nullptr;
 
 private:
-    void carryOut();
+    quint64 decidedEffects() const { return m_begunEffects + m_effects.size(); }
+    void carryOutUpTo(quint64 end);
     void perform(const LinkEffect &effect);
     QTimer *timerFor(LinkTimer timer);
 
@@ -85,10 +97,13 @@ private:
     QMetaObject::Connection m_receivedBytes;
 
     QMutex m_mutex; // guards all below; taken by both threads, held for no call to others
+    QByteArray m_testBytes;
     SendQueue m_queue;
     LinkEffects m_effects;
     QElapsedTimer m_clock;
-    bool m_carryingOut = false;
+    quint64 m_begunEffects = 0;            // those that have left the list, since the beginning
+    quint64 m_end = 0;                     // how many of them the thread that is at it is to reach
+    Qt::HANDLE m_carryingThread = nullptr; // the one that is at it, if any
 };
 
 } // namespace canbus
