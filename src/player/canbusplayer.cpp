@@ -21,6 +21,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMetaEnum>
+#include <QtCore/QPointer>
 #include <QtCore/QThread>
 
 #include <datetimemanager.h>
@@ -167,6 +168,10 @@ CanBusPlayer::~CanBusPlayer()
 
 void CanBusPlayer::init(CanbusProtocol *protocol)
 {
+    if (thread && QThread::currentThread() != QObject::thread()) {
+        initOnOwnThread(protocol);
+        return;
+    }
     pinDriver::setUp();
     if (!d->serialPort)
         d->serialPort = new SerialPort;
@@ -180,6 +185,18 @@ void CanBusPlayer::init(CanbusProtocol *protocol)
         d->serialPort->moveToThread(thread);
         startWorkerThread();
     }
+}
+
+/// Opening waits for the port's thread, which may be waiting for the end of the pass that the caller is in:
+/// so it is the player's thread that waits, which nobody waits for.
+void CanBusPlayer::initOnOwnThread(CanbusProtocol *protocol)
+{
+    const bool isGiven = protocol;
+    const auto later = [this, isGiven, protocol = QPointer<CanbusProtocol>(protocol)] {
+        if (protocol || !isGiven)
+            init(protocol);
+    };
+    QMetaObject::invokeMethod(this, later, Qt::QueuedConnection);
 }
 
 /// Joins the open port, the protocol and the host.

@@ -46,7 +46,8 @@ public:
 
     /// Sets up the board's pins, opens the port and, if that succeeds, joins it to the protocol and the
     /// player to the host; then moves the port to its worker thread. Call it once, after setUartPort().
-    /// Called again it opens the port again and makes every connection a second time.
+    /// Called again it opens the port again and makes every connection a second time; from a slot on
+    /// another thread it does so later, on the player's own.
     /// @param protocol  the host's, who may delete it, on the main thread, and call init() with a new one;
     ///   null is logged as an error, and leaves the open port without a protocol
     void init(CanbusProtocol *protocol);
@@ -142,6 +143,7 @@ public Q_SLOTS:
 private:
     friend struct CanBusPlayerProbe; // the tests' look at the wiring
 
+    void initOnOwnThread(CanbusProtocol *protocol);
     void join(const logging::Origin &origin, CanbusProtocol *protocol);
     void startWorkerThread();
     bool isCameraInUse(const logging::Origin &origin) const;
