@@ -37,7 +37,9 @@ public:
 Q_SIGNALS:
     /// A complete block of bytes for the serial port. A signal, in spite of its name.
     void onWritPortData(QByteArray data);
-    /// The link is up (true) or down (false). Repeated with every acknowledged connection check.
+    /// The link is up (true) or down (false). Repeated with every acknowledged connection check. Comes on
+    /// either thread: a receiver that has only one of them queued hears them out of order. CanBusPlayer's
+    /// canbusConnectStatus() is in order.
     void notifyCanbusStatus(bool status);
     /// The vehicle screens that the box supports.
     void notifyScreensInfo(QByteArray data);

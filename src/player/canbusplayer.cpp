@@ -12,6 +12,7 @@
 #include "link/frameformat.h"
 #include "link/linkhealth_p.h"
 #include "link/wireconstants.h"
+#include "linkreports.h"
 #include "pindriver.h"
 #include "serialport.h"
 #include "support/bytes.h"
@@ -93,7 +94,9 @@ void route(const logging::Origin &origin, const QByteArray &TPMOD, const QByteAr
 CanBusPlayerPrivate::CanBusPlayerPrivate(CanBusPlayer *player)
     : QxPrivate<CanBusPlayer>(player)
     , eventHandler(EventHandler::instance())
+    , linkReports(std::make_shared<LinkReports>())
 {
+    QObject::connect(linkReports.get(), &LinkReports::added, q, [this] { linkReports->deliverTo(q); });
     // A coarse timer of this length is up to half a second early: the minute that ends would be sent.
     syncTimer.setTimerType(Qt::PreciseTimer);
 }
@@ -125,7 +128,9 @@ bool CanBusPlayerPrivate::openPort()
 void CanBusPlayerPrivate::connectAll()
 {
     QObject::connect(serialPort, &SerialPort::read, q, &CanBusPlayer::readPortData);
-    QObject::connect(protocol, &CanbusProtocol::notifyCanbusStatus, q, &CanBusPlayer::setCanbusConnectStatus);
+    QObject::connect(
+        protocol, &CanbusProtocol::notifyCanbusStatus, q,
+        [reports = linkReports](bool isUp) { reports->add(isUp); }, Qt::DirectConnection);
     QObject::connect(protocol, &CanbusProtocol::notifyScreensInfo, q, &CanBusPlayer::suppScreen);
     QObject::connect(protocol, &CanbusProtocol::notifyClimateInfo, q, &CanBusPlayer::onClimateInfo);
     QObject::connect(protocol, &CanbusProtocol::notifyGaugesInfo, q, &CanBusPlayer::onGaugesInfo);

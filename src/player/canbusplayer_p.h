@@ -7,6 +7,8 @@
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
 
+#include <memory>
+
 #include <qxprivate.h>
 
 class EventHandler;
@@ -15,6 +17,7 @@ namespace canbus {
 
 class CanBusPlayer;
 class CanbusProtocol;
+class LinkReports;
 class SerialPort;
 
 /// The facade's state. All of it belongs to the main thread.
@@ -41,6 +44,8 @@ public:
     QStringList menuTexts;
 
     QMetaObject::Connection errorCount;
+    /// Shared with the connections that add to it, on any thread.
+    std::shared_ptr<LinkReports> linkReports;
 
     /// Counts the port's errors in the protocol's health from now on, if it keeps one.
     void countPortErrors(const CanbusProtocol *counting);
