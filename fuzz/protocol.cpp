@@ -1,0 +1,328 @@
+#include "plainqueue.h"
+#include "plainreader.h"
+#include "target.h"
+#include "velcanbusprotocol.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <cstdlib>
+#include <utility>
+#include <vector>
+
+/// The real protocol object, driven on this thread: what arrives in chunks with a pass behind each, the send
+/// timer's expiry, commands, connect requests and connection checks. All that it emits is compared with what
+/// a plain reader and a plain queue make of the same.
+///
+/// The input: instructions of one byte and what they carry; see operate().
+
+using namespace canbus;
+
+namespace {
+
+/// Something that the protocol emitted.
+struct Event {
+    enum Kind { Write, Status, Report };
+
+    Kind kind = Write;
+    QByteArray bytes; ///< written, or the report's payload
+    QByteArray mod;   ///< of a report
+    int detail = 0;   ///< of a status: whether the link is up; of a report: its TP
+};
+
+bool operator==(const Event &a, const Event &b)
+{
+    return a.kind == b.kind && a.bytes == b.bytes && a.mod == b.mod && a.detail == b.detail;
+}
+
+/// The one protocol of the process, with the receive buffer's mutex held, so that its own thread stays out.
+class Bench {
+public:
+    Bench()
+    {
+        buffer()->mutex.lock();
+        m_protocol = new VelCanBusProtocol;
+        // The thread is waited for at exit, and must get its mutex there.
+        std::atexit([] { buffer()->mutex.unlock(); });
+        listen();
+    }
+
+    static CanBusReadBuff *buffer() { return CanBusReadBuff::instance(); }
+
+    VelCanBusProtocol *operator->() const { return m_protocol; }
+
+    std::vector<Event> take() { return std::exchange(m_events, {}); }
+
+    /// Back to one state, whatever the last input has left: connected, nothing cached, nothing received.
+    void reset()
+    {
+        QCoreApplication::removePostedEvents(nullptr, QEvent::MetaCall);
+        buffer()->data = QByteArray("\x9f\x02\x40\x01\x00\x00\x01\x40\x9f\x03", 10);
+        m_protocol->onParseDataTmrout();
+        do {
+            m_isActive = false;
+            m_protocol->onSendTmrout();
+        } while (m_isActive);
+        m_events.clear();
+    }
+
+private:
+    void listen()
+    {
+        using Protocol = CanbusProtocol;
+        QObject::connect(m_protocol, &Protocol::notifyCanbusStatus, [this](bool up) {
+            m_events.push_back({Event::Status, {}, {}, up ? 1 : 0});
+        });
+        QObject::connect(m_protocol, &Protocol::onWritPortData, [this](const QByteArray &bytes) {
+            m_isActive = true;
+            m_events.push_back({Event::Write, bytes, {}, 0});
+        });
+        QObject::connect(m_protocol->linkHealth(), &LinkHealth::commandEnded, [this] { m_isActive = true; });
+        report(0x02, &Protocol::notifyScreensInfo);
+        report(0x03, &Protocol::notifyClimateInfo);
+        report(0x04, &Protocol::notifyGaugesInfo);
+        report(0x05, &Protocol::notifyVehicleInfo);
+        report(0x06, &Protocol::notifyParingAssistInfo);
+        report(0x07, &Protocol::notifyScreensTransition);
+        report(0x11, &Protocol::notifyTextScreen);
+    }
+
+    void report(int tp, void (CanbusProtocol::*signal)(QByteArray))
+    {
+        QObject::connect(m_protocol, signal, [this, tp](const QByteArray &data) {
+            m_events.push_back({Event::Report, data, {}, tp});
+        });
+    }
+
+    void report(int tp, void (CanbusProtocol::*signal)(QByteArray, QByteArray))
+    {
+        QObject::connect(m_protocol, signal, [this, tp](const QByteArray &mod, const QByteArray &data) {
+            m_events.push_back({Event::Report, data, mod, tp});
+        });
+    }
+
+    VelCanBusProtocol *m_protocol = nullptr; // left to the end of the process, as a host may do
+    std::vector<Event> m_events;
+    bool m_isActive = false;
+};
+
+/// The protocol by the book.
+class PlainProtocol {
+public:
+    PlainProtocol()
+    {
+        m_queue.ready(0x40);
+        m_queue.take();
+        m_decodedId = QByteArray(1, '\x40');
+    }
+
+    void arrive(const QByteArray &bytes) { m_buffer.insert(m_buffer.end(), bytes.begin(), bytes.end()); }
+
+    void pass()
+    {
+        const fuzz::PlainPass pass = fuzz::plainPass(m_buffer);
+        if (pass.awaitsEnd)
+            answer(0x15);
+        if (pass.checked)
+            m_decodedId.clear();
+        if (pass.pass.end != receive::Pass::Taken || pass.frame.empty())
+            return;
+        if (pass.mark == 0x02)
+            decode(fuzz::plainFrame(pass.frame, pass.check));
+        else
+            answered(pass.frame.front(), pass.mark == 0x06);
+    }
+
+    void sendTimer()
+    {
+        m_queue.resend();
+        carryOut();
+    }
+
+    void command(const QByteArray &frame)
+    {
+        m_queue.enqueue(frame);
+        carryOut();
+    }
+
+    void request()
+    {
+        m_queue.request();
+        carryOut();
+    }
+
+    void check()
+    {
+        m_queue.checkConnection();
+        carryOut();
+    }
+
+    int cached() const { return m_queue.size(); }
+
+    const fuzz::Buffer &buffer() const { return m_buffer; }
+
+    std::size_t buffered() const { return m_buffer.size(); }
+
+    std::vector<Event> take() { return std::exchange(m_events, {}); }
+
+private:
+    void answer(quint8 kind)
+    {
+        const QByteArray bytes =
+            QByteArray(1, char(0x9F)) + char(kind) + m_decodedId + m_decodedId + QByteArray("\x9f\x03", 2);
+        m_events.push_back({Event::Write, bytes, {}, 0});
+    }
+
+    void answered(quint8 id, bool isAck)
+    {
+        m_queue.answered(id, isAck ? LinkHealth::Fate::Acknowledged : LinkHealth::Fate::Refused);
+        if (isAck)
+            m_queue.confirm(id);
+        carryOut();
+    }
+
+    void decode(const fuzz::PlainFrame &frame)
+    {
+        m_decodedId = frame.id;
+        const int tp = frame.tp.isEmpty() ? 0 : quint8(frame.tp.at(0));
+        if (tp == 0x01)
+            version(frame);
+        else if (tp >= 0x03 && tp <= 0x06)
+            m_events.push_back({Event::Report, frame.data, frame.mod, tp});
+        else if (tp == 0x02 || tp == 0x07 || tp == 0x11)
+            m_events.push_back({Event::Report, frame.data, {}, tp});
+        answer(0x06);
+    }
+
+    void version(const fuzz::PlainFrame &frame)
+    {
+        const int state = frame.data.size() > 1 ? quint8(frame.data.at(1)) : 0;
+        if (state == 1) {
+            m_queue.ready(quint8(frame.id.at(0)));
+            m_queue.checkConnection();
+        } else if (state == 0) {
+            m_queue.request();
+            m_queue.notReady();
+        }
+        carryOut();
+    }
+
+    void carryOut()
+    {
+        for (const LinkEffect &effect : m_queue.take()) {
+            if (effect.kind == LinkEffect::Write)
+                m_events.push_back({Event::Write, effect.frame, {}, 0});
+            else if (effect.kind == LinkEffect::LinkUp || effect.kind == LinkEffect::LinkDown)
+                m_events.push_back({Event::Status, {}, {}, effect.kind == LinkEffect::LinkUp ? 1 : 0});
+        }
+    }
+
+    fuzz::Buffer m_buffer;
+    fuzz::PlainQueue m_queue;
+    QByteArray m_decodedId;
+    std::vector<Event> m_events;
+};
+
+class Run {
+public:
+    explicit Run(Bench &bench)
+        : m_bench(bench)
+    {
+    }
+
+    /// 00 to 7F: so many bytes arrive; then a pass. 80 to BF: so many times 64 bytes of noise arrive; then a
+    /// pass. C0 to CF: the send timer expires. D0 to DF: a command of so many bytes. E0 to EF: a connect
+    /// request. F0 to FF: a connection check.
+    void operate(fuzz::Program &program)
+    {
+        const quint8 instruction = program.byte();
+        if (instruction < 0x80)
+            arrive(program.bytes(instruction));
+        else if (instruction < 0xC0)
+            arrive(QByteArray(64 * (instruction & 0x3F), 'U'));
+        else
+            send(instruction, program);
+        compare();
+    }
+
+    void drain()
+    {
+        std::size_t before = 0;
+        do {
+            before = m_plain.buffered();
+            pass();
+            compare();
+        } while (m_plain.buffered() < before);
+    }
+
+    /// The first clean frame may be taken for the end of what the noise has begun; the next one is decoded.
+    void expectRecovery()
+    {
+        arrive(fuzz::cleanFrame());
+        compare();
+        drain();
+        arrive(fuzz::cleanFrame());
+        const std::vector<Event> events = m_bench.take();
+        const Event report {Event::Report, QByteArray("\x1f"), {}, 0x02};
+        const Event ack {Event::Write, QByteArray("\x9f\x06\x44\x44\x9f\x03"), {}, 0};
+        fuzz::check(events.size() == 2 && events[0] == report && events[1] == ack,
+                    "a clean frame after noise is decoded once and acknowledged once");
+        fuzz::check(Bench::buffer()->data.isEmpty(), "nothing of it stays");
+    }
+
+private:
+    void arrive(const QByteArray &bytes)
+    {
+        Bench::buffer()->data += bytes;
+        m_plain.arrive(bytes);
+        pass();
+    }
+
+    void pass()
+    {
+        m_bench->onParseDataTmrout();
+        m_plain.pass();
+    }
+
+    void send(quint8 instruction, fuzz::Program &program)
+    {
+        if (instruction < 0xD0) {
+            m_bench->onSendTmrout();
+            m_plain.sendTimer();
+        } else if (instruction < 0xE0) {
+            const QByteArray bytes = program.bytes(instruction & 0x0F);
+            const QByteArray frame(bytes.constData(), bytes.size()); // which stays longer than the input
+            m_bench->onSaveSendCmdData(frame);
+            m_plain.command(frame);
+        } else if (instruction < 0xF0) {
+            m_bench->onRequestConnect();
+            m_plain.request();
+        } else {
+            m_bench->onCheckConnectTmrout();
+            m_plain.check();
+        }
+    }
+
+    void compare()
+    {
+        fuzz::check(m_bench.take() == m_plain.take(), "the protocol emits what the book says");
+        fuzz::check(Bench::buffer()->data == fuzz::toBytes(m_plain.buffer()), "and leaves the same bytes");
+    }
+
+    Bench &m_bench;
+    PlainProtocol m_plain;
+};
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    static Bench *const bench = new Bench;
+    bench->reset();
+    fuzz::Program program(data, size);
+    Run run(*bench);
+    while (!program.atEnd())
+        run.operate(program);
+    run.drain();
+    run.expectRecovery();
+    return 0;
+}
