@@ -7,7 +7,9 @@
 #include <QtCore/QSocketNotifier>
 #include <QtSerialPort/QSerialPort>
 
+#include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include <poll.h>
 #include <unistd.h>
@@ -17,6 +19,10 @@ namespace canbus {
 namespace {
 
 constexpr int kWriteTimeoutMs = 100;
+// What is kept for a line that takes its bytes too late, and how often in a row it may be too late before
+// that counts. Three seconds are more than the link waits for an answer.
+constexpr int kMaxUnwrittenBytes = 4096;
+constexpr int kMaxLateWrites = 32;
 constexpr int kOpenError = 3; // the value that listeners know; later Qt versions have no name for it
 
 QString notConnected()
@@ -54,6 +60,7 @@ bool SerialPort::open(QString portName, int baudRate)
     connect(m_port, SIGNAL(error(QSerialPort::SerialPortError)), this, SLOT(handleError()));
     ++m_opens;
     m_reportedLosses = 0;
+    m_lateWrites = 0;
     m_lost = false;
     if (m_port->isOpen())
         m_port->close();
@@ -93,13 +100,17 @@ void SerialPort::handleError()
     if (code == QSerialPort::NoError)
         return;
     CANBUS_ERROR() << code;
+    if (code == QSerialPort::WriteError)
+        giveUpWriting();
     if (code != QSerialPort::ResourceError && code != QSerialPort::ReadError)
         return;
     const LineState state = examineLine();
-    if (state == LineState::Lost)
+    if (state == LineState::Lost) {
         goSilent();
-    else
+    } else {
+        giveUpWriting();
         goOnListening();
+    }
     // A loss is reported once for each connection to this slot, however often the port repeats itself.
     const bool isReported = state == LineState::Lost
         ? m_reportedLosses < m_opens
@@ -160,13 +171,31 @@ void SerialPort::write(const char *bytes, int size, const logging::Origin &origi
     }
     if (m_lost)
         return; // reported already, and nobody is there to take it
-    m_port->write(bytes, size);
-    if (m_port->waitForBytesWritten(kWriteTimeoutMs))
+    if (m_lateWrites >= kMaxLateWrites && m_port->bytesToWrite() > kMaxUnwrittenBytes) {
+        // Logged once, however much is still written to a line that takes nothing any more.
+        if (!std::exchange(m_isStuck, true))
+            CANBUS_ERROR_AT(origin) << "write error";
+        Q_EMIT error(m_port->portName(), QSerialPort::TimeoutError, m_port->errorString());
+        return;
+    }
+    m_isStuck = false;
+    if (writeAndWait(bytes, size))
         return;
     CANBUS_ERROR_AT(origin) << "write error";
     // When it was this write that found the line lost, handleError() has said so.
     if (!m_lost)
         Q_EMIT error(m_port->portName(), m_port->error(), m_port->errorString());
+}
+
+/// @return whether the line has taken something; the rest it may take later
+bool SerialPort::writeAndWait(const char *bytes, int size)
+{
+    m_isWriting = true;
+    m_port->write(bytes, size);
+    const bool isTaken = m_port->waitForBytesWritten(kWriteTimeoutMs);
+    m_isWriting = false;
+    m_lateWrites = m_port->bytesToWrite() > 0 ? std::min(m_lateWrites + 1, kMaxLateWrites) : 0;
+    return isTaken;
 }
 
 /// What the line itself says after a failed read. The port's word alone will not do: a hung-up line reads as
@@ -189,6 +218,15 @@ SerialPort::LineState SerialPort::examineLine()
     // Readable, but nothing to be read: the end of the file.
     const bool hasEnded = size == 0 || (size < 0 && errno != EAGAIN && errno != EINTR);
     return hasEnded ? LineState::Lost : LineState::Readable;
+}
+
+/// Drops what the port would try to write again. It does so as soon as the line may be written to: at once,
+/// for ever and at the cost of a whole core while the line says that it may and fails.
+void SerialPort::giveUpWriting()
+{
+    // The write that has just failed may be tried again once.
+    if (!m_isWriting && m_port->bytesToWrite() > 0)
+        m_port->clear(QSerialPort::Output);
 }
 
 void SerialPort::goOnListening()

@@ -64,7 +64,9 @@ public Q_SLOTS:
     /// asked whether it is lost; a false alarm is listened on and not announced.
     void handleError();
     /// Writes a block in one go, waiting up to 100 ms for it to be taken. Emits status() when the port is
-    /// closed, error() when the bytes were not taken in time; nothing is kept for a later attempt.
+    /// closed, error() when the bytes were not taken in time. A line that is only slow gets them later; when
+    /// it has been slow for 32 writes in a row and more than 4096 bytes wait, what is written is dropped,
+    /// with an error(). A write that fails is tried once more at once and then dropped.
     void writeData(const QByteArray &data);
     /// Writes bytes given as hexadecimal text. Other characters are skipped.
     void writeData(QString data);
@@ -82,8 +84,10 @@ private:
     };
 
     void write(const char *bytes, int size, const logging::Origin &origin);
+    bool writeAndWait(const char *bytes, int size);
     void deliver(const QByteArray &data);
     LineState examineLine();
+    void giveUpWriting();
     void goOnListening();
     void goSilent();
 
@@ -91,6 +95,9 @@ private:
     int m_opens = 0;          // calls of open(), each of which wants the loss of the line reported
     int m_reportedLosses = 0; // since the port was last opened
     bool m_lost = false;
+    bool m_isWriting = false;
+    bool m_isStuck = false;
+    int m_lateWrites = 0; // in a row, after which bytes were still left
 };
 
 } // namespace canbus

@@ -1,0 +1,211 @@
+#include <failingwrites.h>
+#include <hexbytes.h>
+#include <logrecorder.h>
+#include <pseudoterminal.h>
+#include <recordedport.h>
+
+#include <QtTest/QtTest>
+
+namespace {
+
+constexpr int kBaud = 57600;
+
+/// How long the event loop runs in which nothing more is to happen: time for thousands of repetitions.
+constexpr int kWhileMs = 200;
+
+void addErrors(int times)
+{
+    QTest::addColumn<int>("errorNumber");
+    QTest::addColumn<int>("times");
+    QTest::addColumn<int>("code");
+
+    QTest::newRow("an adapter that fails") << EIO << times << 9;
+    QTest::newRow("a driver without room") << EAGAIN << times << 9;
+    QTest::newRow("a device that has no such thing") << ENXIO << times << 7;
+    QTest::newRow("a driver that refuses") << EINVAL << times << 7;
+}
+
+const QByteArray kBlock(1000, '\x55');
+
+/// Writes until nothing more is kept for a line that nobody reads. What the line itself takes is many blocks.
+void makeStuck(RecordedPort &it)
+{
+    while (it.error.size() < 32)
+        it.port.writeData(kBlock);
+}
+
+} // namespace
+
+/// The line can be read, but writing to it fails or takes for ever.
+class TestSerialPortFailedWrites : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cleanup() { FailingWrites::failNone(); }
+
+    void writesAgainAfterASingleFailure_data() { addErrors(1); }
+    void writesAgainAfterASingleFailure();
+    void givesUpAWriteThatGoesOnFailing_data() { addErrors(FailingWrites::kForEver); }
+    void givesUpAWriteThatGoesOnFailing();
+    void readsWhileWritesFail();
+    void writesAgainOnceWritesSucceed();
+    void reportsEachWriteThatFails();
+    void keepsABoundedNumberOfBytesForASlowLine();
+    void writesAgainOnceASlowLineHasCaughtUp();
+    void reportsTheLossOfALineThatIsFull();
+};
+
+void TestSerialPortFailedWrites::writesAgainAfterASingleFailure()
+{
+    QFETCH(int, errorNumber);
+    QFETCH(int, times);
+    QFETCH(int, code);
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    FailingWrites::fail(1, times, errorNumber);
+    it.port.writeData(bytes("01 02"));
+    QCOMPARE(it.error.size(), 1);
+    QCOMPARE(it.error.at(0).at(0).toString(), line.shortName());
+    QCOMPARE(it.error.at(0).at(1).toInt(), code);
+    QTRY_COMPARE(line.received(), bytes("01 02"));
+    it.port.writeData(bytes("03"));
+    QTRY_COMPARE(line.received(), bytes("01 02 03"));
+    QCOMPARE(it.error.size(), 1);
+    QCOMPARE(log.messages("[ERR]"), (QStringList {QString::number(code), "write error"}));
+}
+
+void TestSerialPortFailedWrites::givesUpAWriteThatGoesOnFailing()
+{
+    QFETCH(int, errorNumber);
+    QFETCH(int, times);
+    QFETCH(int, code);
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    FailingWrites::fail(1, times, errorNumber);
+    it.port.writeData(bytes("01 02"));
+    QTest::qWait(kWhileMs);
+    // Once at once and once more, and nothing is left that the port would try again.
+    QCOMPARE(FailingWrites::attempts(), 2);
+    QCOMPARE(it.error.size(), 1);
+    const QString number = QString::number(code);
+    QCOMPARE(log.messages("[ERR]"), (QStringList {number, "write error", number}));
+    QCOMPARE(it.inner()->bytesToWrite(), 0);
+}
+
+void TestSerialPortFailedWrites::readsWhileWritesFail()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    const LogRecorder quiet;
+    FailingWrites::fail(1, FailingWrites::kForEver, EIO);
+    it.port.writeData(bytes("01"));
+    QVERIFY(line.send(bytes("9f 02")));
+    QTRY_COMPARE(it.allRead(), bytes("9f 02"));
+    QTest::qWait(kWhileMs);
+    QVERIFY(line.send(bytes("9f 03")));
+    QTRY_COMPARE(it.allRead(), bytes("9f 02 9f 03"));
+}
+
+void TestSerialPortFailedWrites::writesAgainOnceWritesSucceed()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    const LogRecorder quiet;
+    FailingWrites::fail(1, FailingWrites::kForEver, EIO);
+    it.port.writeData(bytes("01"));
+    QTest::qWait(kWhileMs);
+    FailingWrites::failNone();
+    it.port.writeData(bytes("02"));
+    // What was given up does not come late.
+    QTRY_COMPARE(line.received(), bytes("02"));
+    QCOMPARE(it.error.size(), 1);
+}
+
+void TestSerialPortFailedWrites::reportsEachWriteThatFails()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    FailingWrites::fail(1, FailingWrites::kForEver, EIO);
+    for (int count = 1; count <= 20; ++count) {
+        it.port.writeData(bytes("9f 02 21 01 00 00 00 20 9f 03"));
+        QCOMPARE(it.error.size(), count);
+        QCoreApplication::processEvents();
+        QTRY_COMPARE(it.inner()->bytesToWrite(), 0);
+    }
+    QCOMPARE(log.count("[ERR]", "write error"), 20);
+    QVERIFY2(log.lines().size() <= 60, qPrintable(QString::number(log.lines().size())));
+}
+
+void TestSerialPortFailedWrites::keepsABoundedNumberOfBytesForASlowLine()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    makeStuck(it);
+    const qint64 waiting = it.inner()->bytesToWrite();
+    it.error.clear();
+    log.clear();
+    QElapsedTimer clock;
+    clock.start();
+    for (int count = 0; count < 1000; ++count)
+        it.port.writeData(kBlock);
+    // Not waited for any more, either.
+    QVERIFY2(clock.elapsed() < 10000, qPrintable(QString::number(clock.elapsed())));
+    QCOMPARE(it.inner()->bytesToWrite(), waiting);
+    QVERIFY2(waiting < 50 * kBlock.size(), qPrintable(QString::number(waiting)));
+    QCOMPARE(it.error.size(), 1000);
+    QCOMPARE(it.error.last().at(0).toString(), line.shortName());
+    QCOMPARE(it.error.last().at(1).toInt(), 12);
+    QCOMPARE(log.messages("[ERR]"), QStringList {"write error"});
+}
+
+void TestSerialPortFailedWrites::writesAgainOnceASlowLineHasCaughtUp()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    makeStuck(it);
+    it.port.writeData(bytes("aa"));
+    QTRY_VERIFY(!line.received().isEmpty() && it.inner()->bytesToWrite() == 0);
+    it.port.writeData(bytes("01 02"));
+    QTRY_VERIFY(line.received().endsWith(bytes("01 02")));
+    // What was kept came late, what was dropped not at all.
+    QVERIFY(!line.received().contains('\xaa'));
+    log.clear();
+    it.error.clear();
+    // The line counts as fresh: the next block is waited for.
+    while (it.error.isEmpty())
+        it.port.writeData(kBlock);
+    QCOMPARE(log.messages("[ERR]"), (QStringList {"12", "write error"}));
+}
+
+void TestSerialPortFailedWrites::reportsTheLossOfALineThatIsFull()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    while (it.error.isEmpty())
+        it.port.writeData(QByteArray(1000, '\x55'));
+    it.error.clear();
+    log.clear();
+    line.hangUp();
+    QTRY_COMPARE(it.error.size(), 1);
+    QCOMPARE(it.error.at(0).at(1).toInt(), 9);
+    QTest::qWait(kWhileMs);
+    QCOMPARE(it.error.size(), 1);
+    QVERIFY(log.lines().size() < 10);
+}
+
+QTEST_GUILESS_MAIN(TestSerialPortFailedWrites)
+#include "tst_serialport_failedwrites.moc"
