@@ -29,6 +29,7 @@ constexpr int kCommandMs = 3;
 constexpr int kRenewMs = 12;
 constexpr int kFeedMs = 4;
 constexpr int kHangUpCheckMs = 2;
+constexpr int kLastMomentsMs = 25;
 constexpr int kLongestWaitForSlotMs = 300; // when no signal comes that the slot could be called by
 
 std::unique_ptr<VelCanBusProtocol> keptToTheLast; // destroyed with the static objects
@@ -293,6 +294,8 @@ private:
 int main(int argc, char **argv)
 {
     printStackOnCrash();
+    // Registered first, so it comes last: a thread that is still running uses what is gone by then.
+    std::atexit([] { ::usleep(kLastMomentsMs * 1000); });
     const Plan plan(argc, argv);
     auto application = std::make_unique<QCoreApplication>(argc, argv);
     if (plan.has("application", "leaked"))
