@@ -9,7 +9,7 @@ if [ $# -eq 0 ]; then
     echo 'renew.sh: name the folder with the commands, for example build/dev/bin' >&2
     exit 2
 fi
-bin=$1
+bin=$(cd -- "$1" && pwd)
 shift
 
 all=(handshake cold-start drive noise bad-checks cut-and-merged long-texts retransmissions given-up restart not-ready
@@ -105,8 +105,12 @@ renew() {
         kill -0 "$box_pid"
         sleep 0.1
     done
-    "$bin/canbus-monitor" --port "$folder/line" --record "$folder/$name.pcapng" "${head_unit[@]}" \
-        >"$folder/live.txt" < <(tell "${presses[@]}")
+    # The name of the port is in the recording: it is the same wherever that is made.
+    (
+        cd "$folder"
+        "$bin/canbus-monitor" --port ./line --record "$name.pcapng" "${head_unit[@]}" >live.txt \
+            < <(tell "${presses[@]}")
+    )
     kill "$box_pid" 2>/dev/null || true # its scenario may have ended
     wait "$box_pid"
     "$bin/canbus-monitor" --read "$folder/$name.pcapng" >"$folder/$name.txt"
