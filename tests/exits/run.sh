@@ -54,7 +54,7 @@ while [ $# -gt 0 ]; do
             shift
             ;;
         --valgrind)
-            export CANBUS_EXITS_WRAPPER="valgrind --quiet --error-exitcode=99" CANBUS_EXITS_LIMIT_MS=20000
+            export CANBUS_EXITS_WRAPPER="valgrind --quiet --error-exitcode=99 --sim-hints=lax-ioctls" CANBUS_EXITS_LIMIT_MS=20000
             ;;
         --asan)
             preset=asan

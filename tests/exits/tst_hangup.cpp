@@ -1,0 +1,130 @@
+#include "heartbeat.h"
+#include "linkedrig.h"
+
+#include <logrecorder.h>
+
+#include <QtTest/QtTest>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace canbus;
+
+// The line hangs up in the middle of traffic, under a whole head unit: one error for it, hardly any log, an
+// idle processor, and a main event loop that is never held.
+
+namespace {
+
+constexpr int kObservedMs = 3000;
+constexpr double kMaxShare = 0.05;
+constexpr double kMaxHeldMs = 20;
+constexpr int kMaxLogLines = 9;
+
+/// The processor time of this process, all threads.
+double processorMs()
+{
+    rusage usage {};
+    ::getrusage(RUSAGE_SELF, &usage);
+    const auto ms = [](const timeval &time) {
+        return double(time.tv_sec) * 1e3 + double(time.tv_usec) / 1e3;
+    };
+    return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
+/// What three seconds after a hang-up were like.
+struct Aftermath {
+    QList<int> errorsBefore;
+    QList<int> errors;
+    double share = 0; ///< of one processor
+    double heldMs = 0;
+    int beats = 0;
+    int portLines = 0;  ///< of the log, of any level, by the port
+    int errorLines = 0; ///< of the log, by whomever
+    bool isOpen = false;
+};
+
+void observe(Aftermath *seen, int commandMs)
+{
+    LogRecorder log;
+    LinkedRig rig;
+    QTRY_VERIFY_WITH_TIMEOUT(rig.isUp(), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(rig.protocol.linkHealth()->figures().receivedFrames > 30, 20000);
+    seen->errorsBefore = rig.errors();
+
+    QTimer commands;
+    QObject::connect(&commands, &QTimer::timeout, &rig.protocol,
+                     [&rig] { rig.protocol.onSaveSendCmdData(bytes("9f 02 31 93 00 a2 9f 03")); });
+    if (commandMs > 0)
+        commands.start(commandMs);
+    Heartbeat heartbeat;
+    heartbeat.start();
+    const double before = processorMs();
+    QElapsedTimer clock;
+    clock.start();
+    log.clear();
+    rig.hangUp();
+    QTest::qWait(kObservedMs);
+    seen->share = (processorMs() - before) / double(clock.elapsed());
+    seen->heldMs = heartbeat.longestMs();
+    seen->beats = heartbeat.beats();
+    seen->errors = rig.errors().mid(seen->errorsBefore.size());
+    seen->isOpen = rig.port()->isOpen();
+    for (const LogLine &line : log.lines()) {
+        seen->portLines += line.text.contains(QLatin1String("canbus::SerialPort::"));
+        seen->errorLines += line.type == QtCriticalMsg;
+    }
+}
+
+} // namespace
+
+class TestHangUp : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void noticesAnEventLoopThatIsHeld()
+    {
+        Heartbeat heartbeat;
+        heartbeat.start();
+        QTRY_VERIFY(heartbeat.beats() > 3);
+        QTimer::singleShot(0, this, [] { ::usleep(60000); });
+        QTRY_VERIFY(heartbeat.longestMs() > kMaxHeldMs);
+    }
+
+    void aLineThatHangsUpIsOneErrorAndNoBurden_data()
+    {
+        QTest::addColumn<int>("commandMs");
+        QTest::newRow("nothing to say") << 0;
+        QTest::newRow("commands all the time") << 50;
+    }
+
+    void aLineThatHangsUpIsOneErrorAndNoBurden()
+    {
+        QFETCH(int, commandMs);
+        // A virtual machine may stop for a moment, which no figure of its own tells: what holds the loop for
+        // that reason does not do so each time.
+        constexpr int kAttempts = 3;
+        double leastHeldMs = 0;
+        for (int attempt = 0; attempt < kAttempts; ++attempt) {
+            Aftermath seen;
+            observe(&seen, commandMs);
+            if (QTest::currentTestFailed())
+                return;
+            QCOMPARE(seen.errorsBefore, QList<int>());
+            QCOMPARE(seen.errors, QList<int> {9});
+            QVERIFY(seen.isOpen);
+            QVERIFY2(seen.share < kMaxShare, qPrintable(QString::number(seen.share)));
+            QVERIFY2(seen.portLines <= kMaxLogLines, qPrintable(QString::number(seen.portLines)));
+            QVERIFY2(seen.errorLines <= kMaxLogLines, qPrintable(QString::number(seen.errorLines)));
+            QVERIFY(seen.beats > kObservedMs / 50);
+            leastHeldMs = attempt == 0 ? seen.heldMs : std::min(leastHeldMs, seen.heldMs);
+            std::printf("hang-up: processor %.1f %%, longest hold %.1f ms, log lines of the port %d\n",
+                        seen.share * 100, seen.heldMs, seen.portLines);
+            if (leastHeldMs <= kMaxHeldMs)
+                return;
+        }
+        QVERIFY2(leastHeldMs <= kMaxHeldMs, qPrintable(QString::number(leastHeldMs)));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestHangUp)
+#include "tst_hangup.moc"
