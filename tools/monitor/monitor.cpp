@@ -31,6 +31,7 @@ using standardError::complain;
 using standardError::LogLevel;
 
 constexpr int kStatsIntervalMs = 10000;
+constexpr int kPortIntervalMs = 500;
 
 /// Why a port does not open, and what to do about it. Asked only after the library has failed to open it.
 QString openError(const QString &device, int baud)
@@ -79,7 +80,7 @@ int Monitor::run()
     if (m_isOpen && m_options.wantsStats)
         printStats();
     if (m_isOpen)
-        complainOf(m_protocol->linkHealth()->figures());
+        giveHints();
     return closeRecording(status);
 }
 
@@ -106,6 +107,7 @@ void Monitor::start()
     if (m_options.durationMs)
         QTimer::singleShot(*m_options.durationMs, Qt::PreciseTimer, this, [this] { end(kSuccess); });
     startStats();
+    watchPort();
     startReadingStandardInput();
 }
 
@@ -159,6 +161,32 @@ void Monitor::startStats()
     auto *const timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &Monitor::printStats);
     timer->start(kStatsIntervalMs);
+}
+
+/// The library goes on with a port that has failed, in silence, and tells nobody but its figures.
+void Monitor::watchPort()
+{
+    auto *const timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &Monitor::tellOfPortErrors);
+    timer->start(kPortIntervalMs);
+}
+
+void Monitor::tellOfPortErrors()
+{
+    LinkFigures errors;
+    errors.portErrors = m_protocol->linkHealth()->figures().portErrors;
+    if (errors.portErrors == m_toldPortErrors)
+        return;
+    m_toldPortErrors = errors.portErrors;
+    complainOf(errors);
+}
+
+void Monitor::giveHints()
+{
+    tellOfPortErrors();
+    LinkFigures others = m_protocol->linkHealth()->figures();
+    others.portErrors = 0;
+    complainOf(others);
 }
 
 void Monitor::startReadingStandardInput()

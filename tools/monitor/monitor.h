@@ -35,6 +35,9 @@ private:
     bool openRecording();
     bool openPort();
     void startStats();
+    void watchPort();
+    void tellOfPortErrors();
+    void giveHints();
     void startReadingStandardInput();
     void endWhenTold(int stopDescriptor);
     void end(int status);
@@ -58,7 +61,8 @@ private:
     std::unique_ptr<JoinableProtocol> m_protocol;
     std::shared_ptr<Recorder> m_recorder; // null without --record
     std::unique_ptr<LineReader> m_standardInput;
-    bool m_isOpen = false; // the port has opened
+    quint64 m_toldPortErrors = 0; // how many the user has been told of
+    bool m_isOpen = false;        // the port has opened
     bool m_hasEnded = false;
 };
 
