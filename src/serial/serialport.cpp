@@ -4,6 +4,7 @@
 #include "support/locker.h"
 #include "velcanbusprotocol.h"
 
+#include <QtCore/QScopedValueRollback>
 #include <QtCore/QSocketNotifier>
 #include <QtSerialPort/QSerialPort>
 
@@ -28,11 +29,6 @@ constexpr int kOpenError = 3; // the value that listeners know; later Qt version
 QString notConnected()
 {
     return QStringLiteral("not connected");
-}
-
-QList<QSocketNotifier *> notifiersOf(const QSerialPort *port)
-{
-    return port->findChildren<QSocketNotifier *>();
 }
 
 } // namespace
@@ -61,6 +57,7 @@ bool SerialPort::open(QString portName, int baudRate)
     ++m_opens;
     m_reportedLosses = 0;
     m_lateWrites = 0;
+    m_hasGivenUp = false;
     m_lost = false;
     if (m_port->isOpen())
         m_port->close();
@@ -190,10 +187,13 @@ void SerialPort::write(const char *bytes, int size, const logging::Origin &origi
 /// @return whether the line has taken something; the rest it may take later
 bool SerialPort::writeAndWait(const char *bytes, int size)
 {
-    m_isWriting = true;
+    const QScopedValueRollback<bool> isWriting(m_isWriting, true);
+    // First what was given up: as long as that fails, this would fail too and be one more block to keep.
+    if (m_hasGivenUp && m_port->bytesToWrite() > 0 && !m_port->waitForBytesWritten(kWriteTimeoutMs))
+        return false;
+    m_hasGivenUp = false;
     m_port->write(bytes, size);
     const bool isTaken = m_port->waitForBytesWritten(kWriteTimeoutMs);
-    m_isWriting = false;
     m_lateWrites = m_port->bytesToWrite() > 0 ? std::min(m_lateWrites + 1, kMaxLateWrites) : 0;
     return isTaken;
 }
@@ -220,32 +220,41 @@ SerialPort::LineState SerialPort::examineLine()
     return hasEnded ? LineState::Lost : LineState::Readable;
 }
 
-/// Drops what the port would try to write again. It does so as soon as the line may be written to: at once,
-/// for ever and at the cost of a whole core while the line says that it may and fails.
+/// Ends the port's own attempts to write. It makes one as soon as the line may be written to: while the line
+/// says that it may and fails, for ever and at the cost of a whole core.
 void SerialPort::giveUpWriting()
 {
     // The write that has just failed may be tried again once.
-    if (!m_isWriting && m_port->bytesToWrite() > 0)
-        m_port->clear(QSerialPort::Output);
+    if (m_isWriting || m_port->bytesToWrite() == 0)
+        return;
+    pollfd line {m_port->handle(), POLLOUT, 0};
+    if (::poll(&line, 1, 0) <= 0)
+        return; // a line that is full, and something else that has failed
+    m_hasGivenUp = true;
+    enableNotifiers(QSocketNotifier::Write, false);
 }
 
 void SerialPort::goOnListening()
 {
     // After a resource error the port has stopped listening by itself.
-    const QList<QSocketNotifier *> notifiers = notifiersOf(m_port);
-    for (QSocketNotifier *notifier : notifiers) {
-        if (notifier->type() == QSocketNotifier::Read)
-            notifier->setEnabled(true);
-    }
+    enableNotifiers(QSocketNotifier::Read, true);
 }
 
 void SerialPort::goSilent()
 {
     m_lost = true;
     // Left to itself the port would find the dead line readable for ever, at the cost of a whole core.
-    const QList<QSocketNotifier *> notifiers = notifiersOf(m_port);
-    for (QSocketNotifier *notifier : notifiers)
-        notifier->setEnabled(false);
+    enableNotifiers(QSocketNotifier::Read, false);
+    enableNotifiers(QSocketNotifier::Write, false);
+}
+
+void SerialPort::enableNotifiers(int type, bool isEnabled)
+{
+    const QList<QSocketNotifier *> notifiers = m_port->findChildren<QSocketNotifier *>();
+    for (QSocketNotifier *notifier : notifiers) {
+        if (notifier->type() == type)
+            notifier->setEnabled(isEnabled);
+    }
 }
 
 } // namespace canbus

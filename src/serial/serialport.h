@@ -66,7 +66,8 @@ public Q_SLOTS:
     /// Writes a block in one go, waiting up to 100 ms for it to be taken. Emits status() when the port is
     /// closed, error() when the bytes were not taken in time. A line that is only slow gets them later; when
     /// it has been slow for 32 writes in a row and more than 4096 bytes wait, what is written is dropped,
-    /// with an error(). A write that fails is tried once more at once and then dropped.
+    /// with an error(). A write that fails is tried once more at once and then with the next one, which is
+    /// dropped if that fails too.
     void writeData(const QByteArray &data);
     /// Writes bytes given as hexadecimal text. Other characters are skipped.
     void writeData(QString data);
@@ -90,12 +91,14 @@ private:
     void giveUpWriting();
     void goOnListening();
     void goSilent();
+    void enableNotifiers(int type, bool isEnabled);
 
     QSerialPort *m_port;
     int m_opens = 0;          // calls of open(), each of which wants the loss of the line reported
     int m_reportedLosses = 0; // since the port was last opened
     bool m_lost = false;
     bool m_isWriting = false;
+    bool m_hasGivenUp = false; // a block that the port has failed twice to write, and has kept
     bool m_isStuck = false;
     int m_lateWrites = 0; // in a row, after which bytes were still left
 };
