@@ -51,7 +51,8 @@ qint64 microseconds(quint64 time, const Clock &clock)
     constexpr quint8 kIsBinary = 0x80;
     constexpr qint64 kMostSeconds = kLatestTimeUs / kMicrosecondsPerSecond;
     const int exponent = clock.resolution & ~kIsBinary;
-    const qint64 us = clock.resolution & kIsBinary ? binaryUs(time, exponent) : decimalUs(time, exponent);
+    const bool isBinary = (clock.resolution & kIsBinary) != 0;
+    const qint64 us = isBinary ? binaryUs(time, exponent) : decimalUs(time, exponent);
     const qint64 offset = std::clamp(clock.offsetSeconds, -kMostSeconds, kMostSeconds);
     return std::clamp<qint64>(us + offset * kMicrosecondsPerSecond, 0, kLatestTimeUs);
 }
