@@ -145,8 +145,8 @@ void FaultyLine::putOut(const QByteArray &block, qint64 nowMs)
 
 QVector<QByteArray> FaultyLine::cut(const QByteArray &block)
 {
-    QVector<QByteArray> pieces;
     if (m_faults.split) {
+        QVector<QByteArray> pieces;
         for (const char byte : block)
             pieces.append(QByteArray(1, byte));
         return pieces;
