@@ -19,7 +19,7 @@ constexpr int kBaud = 57600;
 /// The share of one processor that this process uses while its event loop runs for a while.
 double processorShare()
 {
-    constexpr int kObservedMs = 400;
+    constexpr int kObservedMs = 400; // 5 % of it are 20 ms
     QElapsedTimer clock;
     clock.start();
     const std::clock_t before = std::clock();
@@ -123,7 +123,7 @@ void TestSerialPortLoss::leavesTheProcessorIdle()
     line.hangUp();
     QTRY_COMPARE(it.error.size(), 1);
     const double share = processorShare();
-    QVERIFY2(share < 0.5, qPrintable(QString::number(share)));
+    QVERIFY2(share < 0.05, qPrintable(QString::number(share)));
 }
 
 void TestSerialPortLoss::writesFewLogLines()
