@@ -5,6 +5,7 @@
 
 #include <QtCore/QByteArray>
 
+#include <algorithm>
 #include <vector>
 
 /// The receiving side as docs/protocol.md tells it, byte by byte and without regard to speed: what the
@@ -16,6 +17,14 @@ using Buffer = std::vector<quint8>;
 inline QByteArray toBytes(const Buffer &buffer)
 {
     return QByteArray(reinterpret_cast<const char *>(buffer.data()), int(buffer.size()));
+}
+
+/// As toBytes(buffer) == bytes, without the copy.
+inline bool isSame(const Buffer &buffer, const QByteArray &bytes)
+{
+    return int(buffer.size()) == bytes.size()
+        && std::equal(buffer.begin(), buffer.end(), bytes.begin(),
+                      [](quint8 a, char b) { return a == quint8(b); });
 }
 
 inline Buffer toBuffer(const QByteArray &bytes)

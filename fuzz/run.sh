@@ -67,9 +67,11 @@ build_targets() {
 # Long enough for what each target reads, and no longer: short inputs are fast ones.
 longest_input() {
     case $1 in
-        stream | recording | scenario) echo 4096 ;;
-        sendqueue) echo 256 ;;
-        *) echo 1024 ;;
+        scenario) echo 4096 ;;
+        stream | recording) echo 1024 ;;
+        protocol) echo 256 ;;
+        sendqueue) echo 128 ;;
+        *) echo 512 ;;
     esac
 }
 

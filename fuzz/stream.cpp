@@ -56,7 +56,7 @@ public:
         fuzz::check(m_dispatched == (taken ? 1 : 0), "a good frame is dispatched once");
         if (!taken)
             return;
-        fuzz::check(m_frame == fuzz::toBytes(plain.frame), "the frame's bytes are those between its marks");
+        fuzz::check(fuzz::isSame(plain.frame, m_frame), "the frame's bytes are those between its marks");
         fuzz::check(m_check == plain.check, "the check byte is the XOR over the frame");
         fuzz::check(m_markers.stx == (plain.mark == 0x02) && m_markers.ack == (plain.mark == 0x06)
                         && m_markers.nack == (plain.mark == 0x15),
@@ -92,7 +92,7 @@ public:
         fuzz::check(pass.end == plain.pass.end && pass.discarded == plain.pass.discarded
                         && pass.skipped == plain.pass.skipped,
                     "a pass comes to what it comes to by the book");
-        fuzz::check(m_buffer == fuzz::toBytes(m_plain), "a pass leaves the same bytes");
+        fuzz::check(fuzz::isSame(m_plain, m_buffer), "a pass leaves the same bytes");
         steps.compareWith(plain);
         return pass;
     }
