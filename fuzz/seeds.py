@@ -82,6 +82,8 @@ def protocol():
     write("protocol", "command-given-up", sent + b("c0c0c0c0"))
     write("protocol", "full", sent * 70)
     write("protocol", "many-requests", b("e0" * 70 + "f0" + "c0" * 9) + sent)
+    # Longer than the fuzzer takes it: this one is for the replay.
+    write("protocol", "overfull", b("e0" * 1030 + "f0f0" + "c0" * 9 + "e0") + arrives(FRAMES["not-ready"]))
     write("protocol", "in-pieces", arrives(FRAMES["screens"][:5]) + arrives(FRAMES["screens"][5:]))
     write("protocol", "end-awaited", arrives(FRAMES["screens"][:-1]) + b("0000") + arrives(b("03")))
     write("protocol", "too-much", b("bf"))
@@ -147,6 +149,8 @@ def sendqueue():
         "foreign-id": [enqueue, answer | 7 << 3],
         "full": [enqueue | 6 << 3] * 70,
         "many-requests": [request] * 70 + [check] * 3 + [resend] * 9 + [enqueue],
+        # Longer than the fuzzer takes them: these are for the replay.
+        "overfull": [request] * 1030 + [check] * 3 + [ready | 5 << 3, check, check] + [resend] * 9 + [request],
         "equal-frames": [enqueue | 1 << 3] * 3 + [resend] * 9,
         "without-id": [enqueue | 0x1C << 3, enqueue | 0x1D << 3, answer],
         "not-ready": [request, ready, 6, request],
