@@ -71,9 +71,9 @@ void unescape(QByteArray &buffer, int start, int end)
 Check checkFrame(const QByteArray &buffer, int start, int end)
 {
     Check check;
-    const int checkIndex = end - 3;
-    if (buffer.size() < 4 || start < 0 || checkIndex < 0 || end > buffer.size())
+    if (buffer.size() < 4 || start < 0 || end < 3 || end > buffer.size())
         return check;
+    const int checkIndex = end - 3;
     for (int i = start; i < checkIndex; ++i)
         check.computed ^= quint8(buffer.at(i));
     check.holds = check.computed == quint8(buffer.at(checkIndex));

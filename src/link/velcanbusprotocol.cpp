@@ -125,8 +125,12 @@ bool VelCanBusProtocol::checkXOR(int start, int end)
 
 void VelCanBusProtocol::onProcessingFrameData(int start, int end)
 {
-    if (end != -1)
-        d->frameBytes = CanBusReadBuff::instance()->data.mid(start, std::max(0, end - start));
+    if (end == -1)
+        return;
+    // Of any two indices, those that are in the buffer.
+    const QByteArray &buffer = CanBusReadBuff::instance()->data;
+    const int from = std::clamp(start, 0, buffer.size());
+    d->frameBytes = buffer.mid(from, std::clamp(end, from, buffer.size()) - from);
 }
 
 void VelCanBusProtocol::onCategoryDataProcessing()

@@ -20,7 +20,7 @@ void removeReplacementCharacters(QString &text)
 
 QString textUpToZero(const QByteArray &data, int from)
 {
-    if (from >= data.size())
+    if (from < 0 || from >= data.size())
         return {};
     const int end = data.indexOf('\0', from);
     return QString::fromUtf8(data.constData() + from, (end == -1 ? data.size() : end) - from);

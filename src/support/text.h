@@ -15,7 +15,7 @@ void splitZeroTerminated(QStringList &list, const QByteArray &data);
 void removeReplacementCharacters(QString &text);
 
 /// The UTF-8 text that begins at byte `from` and ends before the first zero byte or with the data. Not
-/// cleaned. Empty when `from` lies behind the data.
+/// cleaned. Empty when `from` lies outside of the data.
 QString textUpToZero(const QByteArray &data, int from = 0);
 
 } // namespace canbus
