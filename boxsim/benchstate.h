@@ -18,8 +18,8 @@ struct BenchState {
 
 /// Sets one item.
 ///
-/// A measurement or a face (`measured.*`) changes those items of the gauges that gaugesShowing() gives another
-/// value for afterwards; items that were set directly stay as long as they are not among these.
+/// A measurement or a face (`measured.*`) changes those items of the gauges that gaugesShowing() gives
+/// another value for afterwards; items that were set directly stay as long as they are not among these.
 void apply(BenchState &state, const Assignment &assignment);
 
 /// What the field holds at present, in the form that Assignment has.

@@ -6,7 +6,8 @@
 #include "boxsim/setup.h"
 #include "boxsim/steering.h"
 
-#include "tools/monitor/linereader.h"
+#include "linereader.h"
+#include "oneline.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
@@ -28,7 +29,7 @@ constexpr int kWrongArguments = 2;
 
 void complain(const QString &error)
 {
-    std::fprintf(stderr, "canbus-boxsim: %s\n", error.toLocal8Bit().constData());
+    std::fprintf(stderr, "canbus-boxsim: %s\n", canbus::onOneLine(error).toLocal8Bit().constData());
 }
 
 int fail(int status, const QString &error)
@@ -110,11 +111,13 @@ int run(QCoreApplication &application, const Options &options, int endingSignals
                      [](const QString &reason) { QCoreApplication::exit(fail(kRunTimeFailure, reason)); });
     QSocketNotifier ending(endingSignals, QSocketNotifier::Read);
     QObject::connect(&ending, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
-    const canbus::monitor::LineReader standardInput(
-        STDIN_FILENO, [&session, &options](const QString &text) { takeLine(session, text, options.json); });
+    const canbus::LineReader standardInput(
+        STDIN_FILENO, [&session, &options](const QString &text) { takeLine(session, text, options.json); },
+        complain);
     // From inside the event loop: before it runs, nothing could end it.
     QMetaObject::invokeMethod(
-        &application, [&options] { print("ready " + (options.ptyLink + options.port).toLocal8Bit()); },
+        &application,
+        [&options] { print("ready " + canbus::onOneLine(options.ptyLink + options.port).toLocal8Bit()); },
         Qt::QueuedConnection);
     return QCoreApplication::exec();
 }
@@ -125,7 +128,7 @@ int check(const Options &options)
     QString error;
     if (!checkScenario(options, &report, &error))
         return fail(kWrongArguments, error);
-    return answer(report.toLocal8Bit() + '\n');
+    return answer(canbus::onOneLine(report).toLocal8Bit() + '\n');
 }
 
 } // namespace

@@ -4,7 +4,8 @@
 #include "boxsim/scenariodeeds.h"
 #include "boxsim/scenariosteps.h"
 
-#include <QtCore/QFile>
+#include "oneline.h"
+#include "regularfile.h"
 
 #include <utility>
 
@@ -42,21 +43,6 @@ Scenario read(const JsonPlace &root)
     return scenario;
 }
 
-/// What a text of the file had of line breaks and the like must not reach the one line of an error.
-QString oneLine(QString text)
-{
-    for (QChar &character : text) {
-        if (character.category() == QChar::Other_Control)
-            character = QLatin1Char(' ');
-    }
-    return text;
-}
-
-QString reasonOf(const QFile &file)
-{
-    return QStringLiteral("cannot read %1: %2").arg(file.fileName(), file.errorString());
-}
-
 } // namespace
 
 int valueAt(const Curve &curve, int ms)
@@ -77,13 +63,14 @@ bool readScenario(const QByteArray &json, const QString &name, Scenario *scenari
     JsonValue tree;
     JsonError syntax;
     if (!parseJson(json, &tree, &syntax)) {
-        *error = QStringLiteral("%1:%2:%3: ").arg(name).arg(syntax.line).arg(syntax.column) + syntax.text;
+        *error = canbus::onOneLine(name + QStringLiteral(":%1:%2: ").arg(syntax.line).arg(syntax.column)
+                                   + syntax.text);
         return false;
     }
     Mistakes mistakes;
     Scenario made = read(JsonPlace(tree, QStringLiteral("the scenario"), &mistakes));
     if (!mistakes.none()) {
-        *error = oneLine(QStringLiteral("%1:%2: ").arg(name).arg(mistakes.line()) + mistakes.text());
+        *error = canbus::onOneLine(name + QStringLiteral(":%1: ").arg(mistakes.line()) + mistakes.text());
         return false;
     }
     *scenario = std::move(made);
@@ -93,18 +80,15 @@ bool readScenario(const QByteArray &json, const QString &name, Scenario *scenari
 bool loadScenario(const QString &path, Scenario *scenario, QString *error)
 {
     constexpr qint64 kLargestFile = 1 << 20;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = reasonOf(file);
-        return false;
-    }
-    const QByteArray json = file.read(kLargestFile + 1);
-    if (file.error() != QFile::NoError) {
-        *error = reasonOf(file);
+    const QString name = canbus::onOneLine(path);
+    QByteArray json;
+    QString reason;
+    if (!canbus::readRegularFile(path, kLargestFile + 1, &json, &reason)) {
+        *error = QStringLiteral("cannot read %1: ").arg(name) + reason;
         return false;
     }
     if (json.size() > kLargestFile) {
-        *error = QStringLiteral("%1 is larger than 1 MiB, which no scenario is").arg(path);
+        *error = name + QStringLiteral(" is larger than 1 MiB, which no scenario is");
         return false;
     }
     return readScenario(json, path, scenario, error);

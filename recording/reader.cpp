@@ -2,8 +2,9 @@
 #include "recording/packettime.h"
 #include "recording/pcapng.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
+#include "oneline.h"
+#include "regularfile.h"
+
 #include <QtCore/QtEndian>
 
 #include <algorithm>
@@ -15,7 +16,6 @@ namespace {
 
 constexpr quint32 kLongestBlock = 0x1000000;
 constexpr qint64 kLargestFile = std::numeric_limits<qint32>::max() / 2;
-constexpr qint64 kReadAtOnce = 0x100000;
 
 struct Interface {
     Clock clock;
@@ -238,22 +238,15 @@ bool read(const QString &path, Recording *recording, QString *error)
 {
     *recording = Recording();
     const auto fail = [&](const QString &what) {
-        *error = QStringLiteral("%1: %2").arg(path, what);
+        *error = onOneLine(QStringLiteral("%1: ").arg(path) + what);
         return false;
     };
-    if (QFileInfo(path).isDir())
-        return fail(QStringLiteral("cannot be read: it is a folder"));
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
     QByteArray bytes;
-    for (QByteArray some = file.read(kReadAtOnce); !some.isEmpty(); some = file.read(kReadAtOnce)) {
-        bytes += some;
-        if (bytes.size() > kLargestFile)
-            return fail(QStringLiteral("larger than %1 MiB: cut it with editcap").arg(kLargestFile >> 20));
-    }
-    if (file.error() != QFileDevice::NoError)
-        return fail(QStringLiteral("cannot be read: %1").arg(file.errorString()));
+    QString reason;
+    if (!readRegularFile(path, kLargestFile + 1, &bytes, &reason))
+        return fail(QStringLiteral("cannot be read: %1").arg(reason));
+    if (bytes.size() > kLargestFile)
+        return fail(QStringLiteral("larger than %1 MiB: cut it with editcap").arg(kLargestFile >> 20));
     return parse(bytes, recording, error) || fail(*error);
 }
 

@@ -67,6 +67,7 @@ public:
 
 private:
     bool make(const QString &path);
+    void beginToWait();
     bool put(const QByteArray &block);
     bool fail(const QString &what);
     void close();

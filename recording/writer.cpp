@@ -1,5 +1,7 @@
 #include "recording/pcapng.h"
 
+#include "oneline.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QMutexLocker>
 
@@ -14,12 +16,22 @@ namespace canbus::recording {
 
 namespace {
 
-constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC;
+// A pipe that nobody reads must not be waited for.
+constexpr int kFlags = O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+const QString kNoFile = QStringLiteral("no regular file: name a new one");
 constexpr mode_t kReadWriteForAll = 0666; // less what the process masks out
 
 QString systemError()
 {
     return QString::fromLocal8Bit(std::strerror(errno));
+}
+
+/// What only opens for who reads it, or not at all.
+bool isPipe(const QString &path)
+{
+    struct stat status = {};
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0
+        && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
 }
 
 } // namespace
@@ -42,11 +54,16 @@ bool Writer::open(const QString &path, const Head &head)
     close();
     m_error.clear();
     m_path = path;
-    if (!make(path))
-        return fail(QStringLiteral("cannot be written: %1").arg(systemError()));
+    if (!make(path)) {
+        const QString reason = systemError();
+        return fail(isPipe(path) ? kNoFile : QStringLiteral("cannot be written: %1").arg(reason));
+    }
     struct stat status = {};
     if (::fstat(m_descriptor, &status) != 0)
         return fail(QStringLiteral("cannot be written: %1").arg(systemError()));
+    if (!S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode))
+        return fail(kNoFile);
+    beginToWait();
     if (status.st_size > 0)
         return fail(QStringLiteral("there and not empty: name a new file"));
     if (put(pcapng::head(head)))
@@ -63,6 +80,14 @@ bool Writer::make(const QString &path)
     if (m_descriptor < 0 && errno == EEXIST)
         m_descriptor = ::open(name.constData(), kFlags, kReadWriteForAll);
     return m_descriptor >= 0;
+}
+
+/// A character device, which takes a recording as well, may be slow.
+void Writer::beginToWait()
+{
+    const int flags = ::fcntl(m_descriptor, F_GETFL);
+    if (flags >= 0)
+        ::fcntl(m_descriptor, F_SETFL, flags & ~O_NONBLOCK);
 }
 
 bool Writer::write(Direction direction, qint64 timeUs, const QByteArray &bytes)
@@ -92,7 +117,7 @@ bool Writer::put(const QByteArray &block)
 
 bool Writer::fail(const QString &what)
 {
-    m_error = QStringLiteral("%1: %2").arg(m_path, what);
+    m_error = onOneLine(QStringLiteral("%1: ").arg(m_path) + what);
     close();
     return false;
 }
@@ -122,7 +147,7 @@ void Writer::takeAway()
     if (m_isFresh)
         ::unlink(name.constData());
     else if (::truncate(name.constData(), 0) != 0)
-        m_error = QStringLiteral("%1: cannot be emptied again: %2").arg(m_path, systemError());
+        fail(QStringLiteral("cannot be emptied again: %1").arg(systemError()));
 }
 
 QString Writer::error() const

@@ -13,7 +13,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-using canbus::monitor::LineReader;
+using canbus::LineReader;
 using canbus::monitor::Output;
 
 namespace {
@@ -85,6 +85,8 @@ private Q_SLOTS:
     void readsLines_data();
     void readsLines();
     void joinsTheBlocksOfALine();
+    void passesOverWhatIsNoLine_data();
+    void passesOverWhatIsNoLine();
     void theEndOfTheInputEndsTheReading();
     void aSignalMakesTheDescriptorReadable_data();
     void aSignalMakesTheDescriptorReadable();
@@ -93,6 +95,7 @@ private:
     void recordLines(int descriptor);
 
     QStringList m_lines;
+    QStringList m_complaints;
     std::unique_ptr<LineReader> m_reader;
 };
 
@@ -104,7 +107,10 @@ void tst_monitor_descriptors::initTestCase()
 void tst_monitor_descriptors::recordLines(int descriptor)
 {
     m_lines.clear();
-    m_reader = std::make_unique<LineReader>(descriptor, [this](const QString &line) { m_lines << line; });
+    m_complaints.clear();
+    m_reader = std::make_unique<LineReader>(
+        descriptor, [this](const QString &line) { m_lines << line; },
+        [this](const QString &complaint) { m_complaints << complaint; });
 }
 
 void tst_monitor_descriptors::writesALineAtOnce()
@@ -192,6 +198,7 @@ void tst_monitor_descriptors::readsLines()
     pipe.closeWriter();
     QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kWaitMs);
     QTEST(m_lines, "lines");
+    QCOMPARE(m_complaints, QStringList());
 }
 
 void tst_monitor_descriptors::joinsTheBlocksOfALine()
@@ -202,6 +209,34 @@ void tst_monitor_descriptors::joinsTheBlocksOfALine()
     QTRY_COMPARE_WITH_TIMEOUT(m_lines, QStringList {"first"}, kWaitMs);
     pipe.write("ate.acBtn\n");
     QTRY_COMPARE_WITH_TIMEOUT(m_lines, (QStringList {"first", "climate.acBtn"}), kWaitMs);
+}
+
+void tst_monitor_descriptors::passesOverWhatIsNoLine_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QString>("complaint");
+
+    const QString encoding =
+        QStringLiteral("a line of standard input is not UTF-8: write it in that encoding");
+    const QString length =
+        QStringLiteral("a line of standard input has more than 4096 bytes: write it shorter");
+    QTest::newRow("another encoding") << QByteArray("note gr\xfc\xdf") << encoding;
+    QTest::newRow("half a letter") << QByteArray("note \xc3") << encoding;
+    QTest::newRow("a byte too long") << QByteArray(4097, 'x') << length;
+    QTest::newRow("far too long") << QByteArray(30000, 'x') << length;
+}
+
+void tst_monitor_descriptors::passesOverWhatIsNoLine()
+{
+    QFETCH(QByteArray, line);
+    QFETCH(QString, complaint);
+    Pipe pipe;
+    recordLines(pipe.reader());
+    pipe.write(QByteArray(4096, 'l') + "\r\n" + line + "\nnext\n" + line);
+    pipe.closeWriter();
+    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kWaitMs);
+    QCOMPARE(m_lines, (QStringList {QString(4096, 'l'), "next"}));
+    QCOMPARE(m_complaints, (QStringList {complaint, complaint}));
 }
 
 void tst_monitor_descriptors::theEndOfTheInputEndsTheReading()

@@ -3,6 +3,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QtTest>
 
+#include <sys/stat.h>
+
 using boxsim::Scenario;
 
 namespace {
@@ -47,7 +49,9 @@ private Q_SLOTS:
     void readsAFileWithAByteOrderMark();
     void saysWhyAFileCannotBeRead_data();
     void saysWhyAFileCannotBeRead();
+    void waitsForNoPipe();
     void refusesAFileThatIsTooLarge();
+    void namesAFileWithALineBreakOnOneLine();
     void readsDeepNestingUpToItsLimit();
 
 private:
@@ -105,7 +109,7 @@ void TestBoxsimScenario::namesLineAndFieldOfAMistake_data()
     row("a loop that is no flag", "{\n\"loop\": 1, \"steps\": [{\"after\": 1}]}",
         "drive.json:2: loop takes true or false, not 1");
     row("an about of two lines", "{\n\"about\": \"a\\nb\", \"steps\": []}",
-        "drive.json:2: about takes a line of text, not \"a b\"");
+        "drive.json:2: about takes a line of text, not \"a\\nb\"");
     row("an about of nothing", "{\n\"about\": \"\", \"steps\": []}",
         "drive.json:2: about takes a line of text, not \"\"");
 }
@@ -162,10 +166,10 @@ void TestBoxsimScenario::reportsTheFirstMistakeOfSeveral()
 void TestBoxsimScenario::keepsAMistakeToOneLine()
 {
     QCOMPARE(errorOf(R"({"start": {"vehicle.hood": "a\nb"}, "steps": []})"),
-             QString("drive.json:1: start: vehicle.hood takes closed or open, not \"a b\""));
-    QCOMPARE(
-        errorOf(R"({"st\u001b\r\nps": []})"),
-        QString("drive.json:1: no member \"st   ps\": there are $schema, about, seed, start, loop, steps"));
+             QString("drive.json:1: start: vehicle.hood takes closed or open, not \"a\\nb\""));
+    QCOMPARE(errorOf(R"({"st\u001b\r\nps": []})"),
+             QString("drive.json:1: no member \"st\\x1b\\r\\nps\": there are $schema, about, seed, start, "
+                     "loop, steps"));
 }
 
 void TestBoxsimScenario::leavesTheScenarioAloneWhenThereIsAMistake()
@@ -223,7 +227,7 @@ void TestBoxsimScenario::saysWhyAFileCannotBeRead_data()
     QTest::newRow("no file") << "/nowhere/a.json"
                              << "cannot read /nowhere/a.json: No such file or directory";
     QTest::newRow("a folder") << "/proc"
-                              << "cannot read /proc: file to open is a directory";
+                              << "cannot read /proc: it is a folder";
 }
 
 void TestBoxsimScenario::saysWhyAFileCannotBeRead()
@@ -237,13 +241,45 @@ void TestBoxsimScenario::saysWhyAFileCannotBeRead()
     QCOMPARE(said, error);
 }
 
-void TestBoxsimScenario::refusesAFileThatIsTooLarge()
+void TestBoxsimScenario::waitsForNoPipe()
 {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("pipe");
+    QCOMPARE(::mkfifo(qPrintable(path), 0600), 0);
     Scenario scenario;
     QString error;
 
-    QVERIFY(!boxsim::loadScenario(QStringLiteral("/dev/zero"), &scenario, &error));
-    QCOMPARE(error, QStringLiteral("/dev/zero is larger than 1 MiB, which no scenario is"));
+    QVERIFY(!boxsim::loadScenario(path, &scenario, &error));
+    QCOMPARE(error, "cannot read " + path + ": it is no regular file");
+}
+
+void TestBoxsimScenario::refusesAFileThatIsTooLarge()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("large.json"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(1048577));
+    Scenario scenario;
+    QString error;
+
+    QVERIFY(!boxsim::loadScenario(file.fileName(), &scenario, &error));
+    QCOMPARE(error, file.fileName() + " is larger than 1 MiB, which no scenario is");
+}
+
+void TestBoxsimScenario::namesAFileWithALineBreakOnOneLine()
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("two\nlines.json"));
+    Scenario scenario;
+    QString error;
+
+    QVERIFY(!boxsim::loadScenario(file.fileName(), &scenario, &error));
+    QCOMPARE(error, "cannot read " + folder.filePath("two\\nlines.json") + ": No such file or directory");
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("steps");
+    file.close();
+    QVERIFY(!boxsim::loadScenario(file.fileName(), &scenario, &error));
+    QVERIFY2(error.startsWith(folder.filePath("two\\nlines.json:1:1: ")), qPrintable(error));
 }
 
 void TestBoxsimScenario::readsDeepNestingUpToItsLimit()

@@ -8,7 +8,10 @@
 
 #include <csignal>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using canbus::recording::Block;
 using canbus::recording::Direction;
@@ -24,6 +27,14 @@ QString makeFile(const QTemporaryDir &folder, const QByteArray &content)
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("the file cannot be made");
     return file.fileName();
+}
+
+QString makePipe(const QTemporaryDir &folder)
+{
+    const QString path = folder.filePath("pipe");
+    if (::mkfifo(qPrintable(path), 0600) != 0)
+        qFatal("the pipe cannot be made");
+    return path;
 }
 
 QByteArray contentOf(const QString &path)
@@ -73,6 +84,10 @@ private Q_SLOTS:
     void discardKeepsAFileThatIsNotItsOwn();
     void saysWhyAFileCannotBeRead();
     void namesTheFileInItsErrors();
+    void readsNoPipe();
+    void writesIntoNoPipe();
+    void writesIntoACharacterDevice();
+    void namesAFileWithALineBreakOnOneLine();
 };
 
 void tst_recording::writesThePublishedFormatByteForByte()
@@ -253,6 +268,54 @@ void tst_recording::namesTheFileInItsErrors()
     QVERIFY(!canbus::recording::read(path, &recording, &error));
     QCOMPARE(error, path + ": no pcapng file");
     QCOMPARE(recording.blocks.size(), 0);
+}
+
+void tst_recording::readsNoPipe()
+{
+    const QTemporaryDir folder;
+    const QString path = makePipe(folder);
+    Recording recording;
+    QString error;
+    QVERIFY(!canbus::recording::read(path, &recording, &error));
+    QCOMPARE(error, path + ": cannot be read: it is no regular file");
+}
+
+void tst_recording::writesIntoNoPipe()
+{
+    const QTemporaryDir folder;
+    const QString path = makePipe(folder);
+    Writer writer;
+    QVERIFY(!writer.open(path, QString()));
+    QCOMPARE(writer.error(), path + ": no regular file: name a new one");
+    const int reader = ::open(qPrintable(path), O_RDONLY | O_NONBLOCK);
+    QVERIFY(reader >= 0);
+    QVERIFY(!writer.open(path, QString()));
+    QCOMPARE(writer.error(), path + ": no regular file: name a new one");
+    char byte = 0;
+    QCOMPARE(::read(reader, &byte, 1), ssize_t(0));
+    ::close(reader);
+}
+
+void tst_recording::writesIntoACharacterDevice()
+{
+    Writer writer;
+    QVERIFY2(writer.open("/dev/null", QString()), qPrintable(writer.error()));
+    QVERIFY(!writer.open("/dev/full", QString()));
+    QCOMPARE(writer.error(),
+             QStringLiteral("/dev/full: cannot be written any further: No space left on device"));
+}
+
+void tst_recording::namesAFileWithALineBreakOnOneLine()
+{
+    const QTemporaryDir folder;
+    Recording recording;
+    QString error;
+    QVERIFY(!canbus::recording::read(folder.filePath("two\nlines"), &recording, &error));
+    QCOMPARE(error, folder.filePath("two\\nlines: cannot be read: No such file or directory"));
+    Writer writer;
+    QVERIFY(!writer.open(folder.filePath("no\nfolder/new"), QString()));
+    QCOMPARE(writer.error(),
+             folder.filePath("no\\nfolder/new: cannot be written: No such file or directory"));
 }
 
 QTEST_GUILESS_MAIN(tst_recording)

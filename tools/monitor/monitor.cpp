@@ -191,8 +191,8 @@ void Monitor::giveHints()
 
 void Monitor::startReadingStandardInput()
 {
-    m_standardInput =
-        std::make_unique<LineReader>(STDIN_FILENO, [this](const QString &line) { takeLine(line); });
+    m_standardInput = std::make_unique<LineReader>(
+        STDIN_FILENO, [this](const QString &line) { takeLine(line); }, complain);
 }
 
 void Monitor::endWhenTold(int stopDescriptor)

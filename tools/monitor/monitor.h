@@ -11,11 +11,14 @@
 
 #include <memory>
 
+namespace canbus {
+class LineReader;
+}
+
 namespace canbus::monitor {
 
 class HostControls;
 class JoinableProtocol;
-class LineReader;
 class Recorder;
 
 /// The small head unit: brings the library up on a port, prints what its objects signal, makes the calls

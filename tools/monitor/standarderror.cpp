@@ -1,5 +1,7 @@
 #include "standarderror.h"
 
+#include "oneline.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QVariant>
@@ -26,7 +28,7 @@ void writeMessage(QtMsgType, const QMessageLogContext &, const QString &message)
 
 void complain(const QString &text)
 {
-    writeLine(QStringLiteral("canbus-monitor: ") + text);
+    writeLine(QStringLiteral("canbus-monitor: ") + onOneLine(text));
 }
 
 void takeLog()
