@@ -83,7 +83,8 @@ public:
 
 /// What a link has been through: figures since the protocol object was made, and the fate of each command.
 ///
-/// Owned by the protocol object: VelCanBusProtocol::linkHealth(). Always on.
+/// Owned by the protocol object, VelCanBusProtocol::linkHealth(), and gone with it: who may outlive the
+/// protocol holds it by a QPointer, on the protocol's thread. Always on.
 ///
 /// Threads: figures() may be called on any thread at any time; each figure is read by itself, so two figures
 /// of one reading may be a frame apart. What a signal of the protocol tells is counted before it is emitted,
