@@ -20,6 +20,9 @@ public:
     /// Lets this many milliseconds pass: each timer that is due in them expires, in order, at its own time.
     static void advance(int milliseconds) { current()->run(milliseconds); }
 
+    /// The milliseconds that have passed so far.
+    static qint64 now() { return current()->m_now; }
+
     /// Carries out what is posted, and no timer: timers expire in advance() alone.
     bool processEvents(QEventLoop::ProcessEventsFlags) override
     {
