@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+/// How much memory the process has, at a quiet moment of the link.
+struct MemorySample {
+    quint64 residentKiB = 0;   ///< of the whole process
+    quint64 inUseBytes = 0;    ///< of the heap, in objects that are alive
+    quint64 bufferedBytes = 0; ///< room that the receive buffer holds
+
+    static MemorySample now();
+
+    /// Whether the heap is the C library's own: a sanitizer's keeps what is freed.
+    static bool meansSomething();
+};
+
+/// What has grown from the first sample, which may still be warming up, to the last: text, or nothing.
+QString growthOf(const QList<MemorySample> &samples);
