@@ -1,6 +1,6 @@
 #include "builtindrive.h"
 
-#include <QtCore/QtGlobal>
+#include <QtCore/QFile>
 
 // The macro declares a function, which has to be a global one.
 static void registerBuiltinDrive()
@@ -13,9 +13,10 @@ namespace boxsim {
 Scenario builtinDrive()
 {
     registerBuiltinDrive();
+    QFile file(QStringLiteral(":/boxsim/builtin-drive.json"));
     Scenario scenario;
     QString error;
-    if (!loadScenario(QStringLiteral(":/boxsim/builtin-drive.json"), &scenario, &error))
+    if (!file.open(QIODevice::ReadOnly) || !readScenario(file.readAll(), file.fileName(), &scenario, &error))
         qFatal("%s", qPrintable(error));
     return scenario;
 }
