@@ -1,7 +1,11 @@
 #include "line.h"
 
+#include "devicename.h"
+
 #include <QtCore/QSignalBlocker>
 #include <QtSerialPort/QSerialPort>
+
+#include <poll.h>
 
 namespace boxsim {
 
@@ -24,14 +28,13 @@ public:
 
     bool open(const QString &device, int baudRate, QString *error)
     {
+        m_device = device;
         m_port.setPortName(device);
         m_port.setBaudRate(baudRate);
-        // Otherwise an error in opening would be taken for one of the open port.
-        const QSignalBlocker blocker(m_port);
-        if (m_port.open(QIODevice::ReadWrite))
+        if (openPort())
             return true;
         *error = QStringLiteral("cannot open %1: %2: name a serial device with --port")
-                     .arg(device, m_port.errorString());
+                     .arg(canbus::deviceTried(device), m_port.errorString());
         return false;
     }
 
@@ -51,12 +54,26 @@ public:
     void comeBack() override
     {
         close();
-        QString error;
-        if (!open(m_port.portName(), m_port.baudRate(), &error))
-            Q_EMIT failed(error);
+        if (!openPort())
+            Q_EMIT failed(QStringLiteral("%1 did not come back: %2: connect it and start again")
+                              .arg(m_device, m_port.errorString()));
     }
 
 private:
+    bool openPort()
+    {
+        // Otherwise an error in opening would be taken for one of the open port.
+        const QSignalBlocker blocker(m_port);
+        return m_port.open(QIODevice::ReadWrite);
+    }
+
+    /// Whether the device itself has gone, as one does that is pulled out.
+    bool isGone() const
+    {
+        pollfd line {m_port.handle(), 0, 0};
+        return m_port.isOpen() && ::poll(&line, 1, 0) > 0;
+    }
+
     /// To close a port that is closed would be an error of the port.
     void close()
     {
@@ -71,12 +88,15 @@ private:
         if (m_port.error() == QSerialPort::NoError)
             return;
         disconnect(&m_port, nullptr, this, nullptr);
-        const QString error = QStringLiteral("%1 failed: %2").arg(m_port.portName(), m_port.errorString());
+        const QString error = isGone()
+            ? QStringLiteral("%1 is gone: connect it and start again").arg(m_device)
+            : QStringLiteral("%1 failed: %2: check it and start again").arg(m_device, m_port.errorString());
         QMetaObject::invokeMethod(
             this, [this] { close(); }, Qt::QueuedConnection);
         Q_EMIT failed(error);
     }
 
+    QString m_device; ///< as it was named
     QSerialPort m_port;
 };
 
