@@ -35,8 +35,7 @@ BenchOutput Bench::receive(const QByteArray &bytes, qint64 nowMs)
         return {};
     m_nowMs = nowMs;
     tellSeed();
-    fallSilentWhenDue();
-    bringLineBackWhenDue();
+    doWhatIsDue();
     followScript();
     if (m_ending == Ending::None)
         take(m_box.receive(m_hungUp ? QByteArray() : bytes, nowMs));
@@ -52,7 +51,8 @@ qint64 Bench::dueMs() const
 {
     if (m_ending != Ending::None)
         return kNever;
-    return earliest({m_box.dueMs(), m_line.dueMs(), scriptDueMs(), m_options.silentAfterMs, m_returnMs});
+    return earliest({m_box.dueMs(), m_line.dueMs(), scriptDueMs(), m_options.silentAfterMs,
+                     m_options.restartAfterMs, m_options.hangUpAfterMs, m_returnMs});
 }
 
 BenchOutput Bench::carryOut(const Instruction &instruction, qint64 nowMs)
@@ -96,21 +96,36 @@ qint64 Bench::scriptDueMs() const
     return nowMs;
 }
 
-void Bench::fallSilentWhenDue()
+/// Whether the time has come. It comes once.
+bool Bench::comesDue(qint64 *whenMs) const
 {
-    if (m_options.silentAfterMs == kNever || m_nowMs < m_options.silentAfterMs)
-        return;
-    m_options.silentAfterMs = kNever;
+    if (*whenMs == kNever || m_nowMs < *whenMs)
+        return false;
+    *whenMs = kNever;
+    return true;
+}
+
+void Bench::doWhatIsDue()
+{
+    if (comesDue(&m_options.silentAfterMs))
+        fallSilent();
+    if (comesDue(&m_options.restartAfterMs))
+        take(m_box.restart(m_nowMs));
+    if (comesDue(&m_returnMs))
+        bringLineBack();
+    if (comesDue(&m_options.hangUpAfterMs))
+        hangUp(m_options.hangUpForMs);
+}
+
+void Bench::fallSilent()
+{
     BenchState state = m_box.state();
     state.faults.silence = true;
     takeState(state);
 }
 
-void Bench::bringLineBackWhenDue()
+void Bench::bringLineBack()
 {
-    if (m_returnMs == kNever || m_nowMs < m_returnMs)
-        return;
-    m_returnMs = kNever;
     m_hungUp = false;
     m_output.line.append({LineStep::Kind::Return, {}});
     tell(Event::Kind::LineBack);

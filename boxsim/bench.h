@@ -14,7 +14,10 @@ struct BenchOptions {
     bool tellsSeed = false; ///< reports the seed as soon as something is drawn from it
     double speed = 1;       ///< above 1 the script's time runs faster than the bench's
     Faults faults;
-    qint64 silentAfterMs = kNever; ///< from then on the box is silent
+    qint64 silentAfterMs = kNever;    ///< from then on the box is silent
+    qint64 restartAfterMs = kNever;   ///< the box is switched off and on then
+    qint64 hangUpAfterMs = kNever;    ///< the line is gone then
+    int hangUpForMs = kUsualHangUpMs; ///< for so long
 };
 
 /// Something to do with the line.
@@ -72,8 +75,10 @@ private:
     BenchOutput settle();
     qint64 scriptMs(qint64 nowMs) const;
     qint64 scriptDueMs() const;
-    void fallSilentWhenDue();
-    void bringLineBackWhenDue();
+    bool comesDue(qint64 *whenMs) const;
+    void doWhatIsDue();
+    void fallSilent();
+    void bringLineBack();
     void followScript();
     void perform(const Instruction &instruction);
     void set(const QVector<Assignment> &assignments);

@@ -14,6 +14,7 @@ struct BenchState {
     Measurements measured;
     GaugeFaces faces {};
     Faults faults;
+    bool ready = true; ///< what the box says of itself when it is asked to connect
 };
 
 /// Sets one item.

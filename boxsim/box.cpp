@@ -70,10 +70,16 @@ qint64 Box::dueMs() const
 
 void Box::setState(const BenchState &state)
 {
-    const CarState before = m_state.car;
+    const BenchState before = m_state;
     m_state = state;
-    if (!m_linkUp || !m_options.reportsState)
-        return;
+    if (state.ready != before.ready && m_hasHeard && m_options.saysReady)
+        postVersion(state.ready);
+    if (m_linkUp && m_options.reportsState)
+        postChanges(before.car);
+}
+
+void Box::postChanges(const CarState &before)
+{
     const CarState &car = m_state.car;
     const QVector<CategoryFrame> was = framesOf(before);
     const QVector<CategoryFrame> is = framesOf(car);
@@ -99,7 +105,7 @@ Output Box::restart(qint64 nowMs)
     beginAnew();
     m_reader = WireReader();
     m_lastFrame.clear();
-    m_sender.post(quint8(Category::Version), 0, versionPayload(true));
+    postVersion(m_state.ready);
     return advance(nowMs);
 }
 
@@ -121,6 +127,7 @@ void Box::takeCommand(const WireFrame &frame)
 {
     const DecodedCommand command = decodeCommand(frame);
     const bool repeated = isRepetition(frame);
+    m_hasHeard = true;
     report(Event::Kind::Command, frame.id, frame.bytes);
     const int at = m_output.events.size() - 1;
     m_output.events[at].command = command;
@@ -264,9 +271,14 @@ void Box::answerConnectRequest()
     if (!m_options.saysReady)
         return;
     int &notReady = m_state.faults.notReadyReplies;
-    const bool ready = notReady == 0;
-    if (!ready)
+    const bool isDelayed = notReady > 0;
+    if (isDelayed)
         --notReady;
+    postVersion(m_state.ready && !isDelayed);
+}
+
+void Box::postVersion(bool ready)
+{
     m_sender.post(quint8(Category::Version), 0, versionPayload(ready));
 }
 

@@ -62,6 +62,8 @@ struct BoxOptions {
 ///
 /// - A connect request is acknowledged and answered with a Version frame that says ready or not ready.
 ///   Whatever was still to be sent is dropped: the head unit begins anew.
+/// - Before it has heard a head unit it does not report unasked whether it is ready. From there on it reports
+///   each change of that, also while the link is down, and the head unit draws its conclusions.
 /// - A connection check brings the link up. The box then sends its whole state, the supported screens first,
 ///   and from there on changes. While the link is down it sends nothing but the answer to connect requests.
 /// - A request for the data of a category is answered with all its frames. A button is answered with what it
@@ -105,7 +107,7 @@ public:
     void setState(const BenchState &state);
 
     /// Switches the box off and on: it forgets the link, what it was about to send and what it heard, and
-    /// says "ready" unasked. It keeps its state, which is the car's.
+    /// says unasked whether it is ready. It keeps its state, which is the car's.
     Output restart(qint64 nowMs);
 
     const CarState &car() const { return m_state.car; }
@@ -127,10 +129,12 @@ private:
     void carryOut(Action action, const QByteArray &data);
     void beginAnew();
     void answerConnectRequest();
+    void postVersion(bool ready);
     void setLinkUp(bool up);
     void press(Action action, const QByteArray &data);
     void pressGauges(GaugesState &gauges, quint8 button, bool press);
     void answerButton(const CarState &car, quint8 category, quint8 selector);
+    void postChanges(const CarState &before);
     void post(int category = kAny, int selector = kAny);
     void followSilence();
     void send();
@@ -144,6 +148,7 @@ private:
     qint64 m_nowMs = 0;
     bool m_silent = false;
     bool m_linkUp = false;
+    bool m_hasHeard = false; ///< a head unit, at any time
     QByteArray m_lastFrame;
     qint64 m_lastFrameMs = 0;
     Output m_output;

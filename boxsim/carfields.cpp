@@ -9,6 +9,15 @@ constexpr Range kTexts {0, kMostTexts};
 
 } // namespace
 
+QVector<FieldRow> versionRows()
+{
+    FieldRows<BenchState> rows(
+        "version", [](auto &state) -> auto & { return state; });
+    rows.add("ready", &BenchState::ready, "whether the box is ready; it reports a change unasked")
+        .words("not-ready", "ready");
+    return rows.rows();
+}
+
 QVector<FieldRow> screensRows()
 {
     FieldRows<Screens> screens(

@@ -4,8 +4,8 @@ namespace boxsim {
 
 const QVector<FieldRow> &fieldRows()
 {
-    static const QVector<FieldRow> rows = screensRows() + climateRows() + gaugesRows() + vehicleRows()
-        + parkingRows() + textScreenRows() + measuredRows() + faultRows();
+    static const QVector<FieldRow> rows = versionRows() + screensRows() + climateRows() + gaugesRows()
+        + vehicleRows() + parkingRows() + textScreenRows() + measuredRows() + faultRows();
     return rows;
 }
 

@@ -159,6 +159,7 @@ private:
     QVector<FieldRow> m_rows;
 };
 
+QVector<FieldRow> versionRows();
 QVector<FieldRow> screensRows();
 QVector<FieldRow> climateRows();
 QVector<FieldRow> gaugesRows();

@@ -34,7 +34,8 @@ struct Assignment {
     QVariant value; ///< bool, int, double, QString, QStringList; a QVariantList of `count` for a whole field
 };
 
-/// Every field: screens, climate, gauges, vehicle, parking, textScreen, measured and fault, in this order.
+/// Every field: version, screens, climate, gauges, vehicle, parking, textScreen, measured and fault, in this
+/// order.
 const QVector<Field> &allFields();
 
 /// The objects that the fields belong to, in the same order.

@@ -8,6 +8,11 @@
 
 namespace boxsim {
 
+// How long a line can be gone, and how long it is if nobody says.
+constexpr int kShortestHangUpMs = 1;
+constexpr int kLongestHangUpMs = 24 * 60 * 60 * 1000;
+constexpr int kUsualHangUpMs = 1000;
+
 /// Something that the bench is told to do, by a scenario, a recording or a line on standard input.
 struct Instruction {
     enum class Kind {
@@ -15,7 +20,8 @@ struct Instruction {
         SendFrame, ///< one data frame of the box: `id`, `tp`, `mod`, `bytes` as payload; sent once as it is,
                    ///< without waiting for its acknowledgement
         SendBytes, ///< `bytes` on the line as they are
-        Restart,   ///< the box is switched off and on: it forgets the link, and reports "ready" unasked
+        Restart,   ///< the box is switched off and on: it forgets the link, and reports unasked
+                   ///< whether it is ready
         HangUp,    ///< the line is gone, and comes back after `ms`
         Note,      ///< `text` is reported
         End,       ///< the run ends with success

@@ -22,7 +22,7 @@ struct Switches {
     QCommandLineOption scenario = option("scenario", "Follow the scenario in FILE.", "FILE");
     QCommandLineOption replay = option("replay", "Play the box's side of the recording FILE.", "FILE");
     QCommandLineOption speed =
-        option("speed", "Let the scenario's or recording's time run X times as fast.", "X");
+        option("speed", "Let the time of drive, scenario or recording run X times as fast.", "X");
     QCommandLineOption loop = option("loop", "Play the recording again and again.");
     QCommandLineOption check = option("check", "Check the scenario, say whether it is correct, and exit.");
     QCommandLineOption schema = option("print-schema", "Print the JSON schema of scenarios and exit.");
@@ -34,6 +34,12 @@ struct Switches {
     QCommandLineOption noise = option("noise", "Send N foreign bytes a second between the frames.", "N");
     QCommandLineOption silentAfter =
         option("silent-after", "Neither answer nor send any more after MS milliseconds.", "MS");
+    QCommandLineOption restartAfter =
+        option("restart-after", "Switch the box off and on after MS milliseconds.", "MS");
+    QCommandLineOption hangUpAfter =
+        option("hang-up-after", "Take the line away after MS milliseconds, for a second.", "MS");
+    QCommandLineOption hangUpFor =
+        option("hang-up-for", "Take the line away for MS milliseconds instead.", "MS");
     QCommandLineOption notReady =
         option("not-ready", "Answer the first N connect requests with \"not ready\".", "N");
     QCommandLineOption fault =
@@ -44,8 +50,9 @@ struct Switches {
 
     QList<QCommandLineOption> all() const
     {
-        return {pty,   port,        baud,    scenario, replay, speed,       loop,     check, schema, seed,
-                fault, dropAnswers, corrupt, split,    noise,  silentAfter, notReady, json,  help,   version};
+        return {pty,          port,        baud,      scenario,    replay,  speed, loop,   check,
+                schema,       seed,        fault,     dropAnswers, corrupt, split, noise,  silentAfter,
+                restartAfter, hangUpAfter, hangUpFor, notReady,    json,    help,  version};
     }
 };
 
@@ -74,6 +81,8 @@ private:
     bool checkScript();
     bool readNumber(const QCommandLineOption &option, qint64 most, qint64 *number);
     bool readNumbers();
+    bool readTimes();
+    bool readHangUpFor();
     bool readSpeed();
     bool readFaults();
     bool readFault(const QString &name, const QString &text, const QString &where);
@@ -92,7 +101,8 @@ bool Reading::readAll()
         return false;
     if (m_options->task == Options::Task::Run && !checkLine())
         return false;
-    if (!checkScript() || !readNumbers() || !readSpeed() || !readFaults() || !readNamedFaults())
+    if (!checkScript() || !readNumbers() || !readTimes() || !readSpeed() || !readFaults()
+        || !readNamedFaults())
         return false;
     m_options->faults = m_state.faults;
     m_options->ptyLink = m_parser.value(m_switches.pty);
@@ -152,8 +162,6 @@ bool Reading::checkScript()
         if (isSet(file) && m_parser.value(file).isEmpty())
             return refuse(nameOf(file) + QStringLiteral(" takes a path, not nothing"));
     }
-    if (isSet(m_switches.speed) && !hasScenario && !hasReplay)
-        return refuse(QStringLiteral("--speed goes with --scenario FILE or --replay FILE"));
     if (isSet(m_switches.loop) && !hasReplay)
         return refuse(QStringLiteral("--loop goes with --replay FILE; a scenario says itself whether it "
                                      "begins again"));
@@ -180,17 +188,49 @@ bool Reading::readNumbers()
 {
     constexpr qint64 kMost = std::numeric_limits<int>::max();
     qint64 baud = 1;
-    qint64 silentAfter = 0;
     qint64 seed = 0;
-    if (!readNumber(m_switches.baud, kMost, &baud) || !readNumber(m_switches.silentAfter, kMost, &silentAfter)
+    if (!readNumber(m_switches.baud, kMost, &baud)
         || !readNumber(m_switches.seed, std::numeric_limits<quint32>::max(), &seed))
         return false;
     if (isSet(m_switches.baud))
         m_options->baudRate = int(baud);
-    if (isSet(m_switches.silentAfter))
-        m_options->silentAfterMs = silentAfter;
     if (isSet(m_switches.seed))
         m_options->seed = quint32(seed);
+    return true;
+}
+
+/// Reads what happens once some time has passed.
+bool Reading::readTimes()
+{
+    struct Row {
+        const QCommandLineOption &option;
+        qint64 *afterMs;
+    };
+    const Row rows[] = {
+        {m_switches.silentAfter, &m_options->silentAfterMs},
+        {m_switches.restartAfter, &m_options->restartAfterMs},
+        {m_switches.hangUpAfter, &m_options->hangUpAfterMs},
+    };
+    for (const Row &row : rows) {
+        qint64 afterMs = 0;
+        if (!readNumber(row.option, std::numeric_limits<int>::max(), &afterMs))
+            return false;
+        if (isSet(row.option))
+            *row.afterMs = afterMs;
+    }
+    return readHangUpFor();
+}
+
+bool Reading::readHangUpFor()
+{
+    if (!isSet(m_switches.hangUpFor))
+        return true;
+    if (!isSet(m_switches.hangUpAfter))
+        return refuse(QStringLiteral("--hang-up-for goes with --hang-up-after MS, which says when"));
+    qint64 ms = kShortestHangUpMs;
+    if (!readNumber(m_switches.hangUpFor, kLongestHangUpMs, &ms))
+        return false;
+    m_options->hangUpForMs = int(ms);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "boxsim/faults.h"
+#include "boxsim/instruction.h"
 #include "boxsim/times.h"
 
 #include <QtCore/QString>
@@ -33,6 +34,9 @@ struct Options {
     std::optional<quint32> seed;
     Faults faults;
     qint64 silentAfterMs = kNever;
+    qint64 restartAfterMs = kNever;
+    qint64 hangUpAfterMs = kNever;
+    int hangUpForMs = kUsualHangUpMs;
 };
 
 /// Reads the command line.

@@ -95,6 +95,8 @@ Step readSet(const JsonPlace &value)
 {
     Step step = doing(Kind::Set);
     step.instruction.assignments = readAssignments(value);
+    if (value.members().empty())
+        value.refuse(QStringLiteral("takes at least one field with its value"));
     return step;
 }
 
@@ -149,7 +151,7 @@ Step readRestart(const JsonPlace &value)
 Step readHangUp(const JsonPlace &value)
 {
     Step step = doing(Kind::HangUp);
-    step.instruction.ms = int(value.wholeNumber(1, kLongestMs));
+    step.instruction.ms = int(value.wholeNumber(kShortestHangUpMs, kLongestHangUpMs));
     return step;
 }
 

@@ -310,12 +310,15 @@ QJsonObject deedMembers()
     QJsonObject bytes = hexBytes("bytes on the line, as they are");
     bytes["minLength"] = 2;
     return {
-        {"set", defined(QStringLiteral("fields"))},
+        {"set",
+         QJsonObject {{"allOf", QJsonArray {defined(QStringLiteral("fields"))}}, {"minProperties", 1}}},
         {"ramp", rampSchema()},
         {"send", sendSchema()},
         {"bytes", bytes},
         {"restart", alwaysTrue("the box is switched off and on")},
-        {"hangUp", milliseconds(1, "the line is gone for so many milliseconds")},
+        {"hangUp",
+         numeric("integer", kShortestHangUpMs, kLongestHangUpMs,
+                 "the line is gone for so many milliseconds")},
         {"note", oneLine("a line for the report")},
         {"wait", waitSchema()},
         {"branch", branchSchema()},

@@ -66,6 +66,9 @@ bool setUp(const Options &options, Setup *setup, QString *error)
     bench.speed = options.speed;
     bench.faults = options.faults;
     bench.silentAfterMs = options.silentAfterMs;
+    bench.restartAfterMs = options.restartAfterMs;
+    bench.hangUpAfterMs = options.hangUpAfterMs;
+    bench.hangUpForMs = options.hangUpForMs;
     return options.replay.isEmpty() ? setUpScenario(options, setup, error)
                                     : setUpReplay(options, setup, error);
 }

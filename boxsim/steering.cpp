@@ -7,12 +7,11 @@
 
 #include <QtCore/QRegularExpression>
 
+#include <algorithm>
+
 namespace boxsim {
 
 namespace {
-
-constexpr int kHangUpMs = 1000;
-constexpr int kMostHangUpMs = 3600000;
 
 using Kind = Instruction::Kind;
 
@@ -69,18 +68,26 @@ Steered hangUp(const QString &arguments)
 {
     Steered steered = instruction(Kind::HangUp);
     bool isNumber = true;
-    const int ms = arguments.isEmpty() ? kHangUpMs : arguments.toInt(&isNumber);
-    if (!isNumber || ms < 0 || ms > kMostHangUpMs)
-        return failure(QStringLiteral("hangup takes milliseconds from 0 to %1, or nothing, not \"%2\"")
-                           .arg(QString::number(kMostHangUpMs), arguments));
+    const int ms = arguments.isEmpty() ? kUsualHangUpMs : arguments.toInt(&isNumber);
+    if (!isNumber || ms < kShortestHangUpMs || ms > kLongestHangUpMs)
+        return failure(
+            QStringLiteral("hangup takes milliseconds from %1 to %2, or nothing, not \"%3\"")
+                .arg(QString::number(kShortestHangUpMs), QString::number(kLongestHangUpMs), arguments));
     steered.instruction->ms = ms;
     return steered;
+}
+
+bool isControl(QChar character)
+{
+    return character.category() == QChar::Other_Control;
 }
 
 Steered note(const QString &text)
 {
     if (text.isEmpty())
         return failure(QStringLiteral("note takes a text, as in: note door test begins"));
+    if (std::any_of(text.begin(), text.end(), isControl))
+        return failure(QStringLiteral("note takes a text without control characters"));
     Steered steered = instruction(Kind::Note);
     steered.instruction->text = text;
     return steered;

@@ -78,6 +78,13 @@ public:
         box.setState(state);
     }
 
+    void setReady(bool ready)
+    {
+        boxsim::BenchState state = box.state();
+        state.ready = ready;
+        box.setState(state);
+    }
+
     void restart(qint64 nowMs) { collect(box.restart(nowMs)); }
 
     void receive(qint64 nowMs, const QByteArray &hex)

@@ -25,6 +25,7 @@ private Q_SLOTS:
     void runsTheScriptsTimeFasterOrSlower();
     void fallsSilentWhenItIsTime();
     void letsASilenceBeEnded();
+    void restartsWhenItIsTime();
     void sendsNothingForAScriptWhileTheBoxIsSilent();
     void holdsTheBoxsFramesWhileTheScriptIsInsideOne();
     void carriesOutAnInstructionFromOutside();
@@ -210,6 +211,19 @@ void TestBoxsimBench::fallsSilentWhenItIsTime()
     QCOMPARE(bench.events(), QStringList({"2000 silent", "2100 climate.acBtn press=true value=0"}));
     QVERIFY(bench.bench.state().faults.silence);
     QCOMPARE(bench.bench.dueMs(), boxsim::kNever);
+}
+
+void TestBoxsimBench::restartsWhenItIsTime()
+{
+    BenchOptions timed = options();
+    timed.restartAfterMs = 2000;
+    ScriptedBench bench(timed);
+    bench.connectAndSettle();
+
+    bench.runUntil(2100);
+
+    QCOMPARE(bench.taken(), QStringList {"2000 9f 02 41 01 00 00 01 41 9f 03"});
+    QCOMPARE(bench.events(), QStringList({"2000 restart", "2000 link down"}));
 }
 
 void TestBoxsimBench::letsASilenceBeEnded()

@@ -14,6 +14,7 @@ private Q_SLOTS:
     void hangsUpAndReturns();
     void losesWhatComesWhileTheLineIsGone();
     void staysAwayLongerWhenItHangsUpAgain();
+    void hangsUpOnceWhenItIsTime();
     void writesWhatIsDueBeforeItHangsUp();
     void reportsWhatTheLineDoesToTheBytes();
     void tellsTheSeedOnceWhenSomethingIsDrawnFromIt();
@@ -63,6 +64,18 @@ void TestBoxsimBenchLine::staysAwayLongerWhenItHangsUpAgain()
     bench.runUntil(100);
 
     QCOMPARE(bench.taken(), QStringList({"10 hang-up", "90 return"}));
+}
+
+void TestBoxsimBenchLine::hangsUpOnceWhenItIsTime()
+{
+    BenchOptions timed = options();
+    timed.hangUpAfterMs = 30;
+    timed.hangUpForMs = 40;
+    ScriptedBench bench(timed);
+
+    bench.runUntil(500);
+
+    QCOMPARE(bench.taken(), QStringList({"30 hang-up", "70 return"}));
 }
 
 void TestBoxsimBenchLine::writesWhatIsDueBeforeItHangsUp()

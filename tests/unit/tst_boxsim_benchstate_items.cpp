@@ -91,14 +91,14 @@ int membersOf(const boxsim::CarState &s)
 
 int membersOf(const BenchState &s)
 {
-    const auto &[car, measured, faces, faults] = s;
-    return count(car, measured, faces, faults);
+    const auto &[car, measured, faces, faults, ready] = s;
+    return count(car, measured, faces, faults, ready);
 }
 
 bool isSame(const BenchState &a, const BenchState &b)
 {
     return a.car == b.car && itemsOf(a.measured) == itemsOf(b.measured) && a.faces == b.faces
-        && itemsOf(a.faults) == itemsOf(b.faults);
+        && itemsOf(a.faults) == itemsOf(b.faults) && a.ready == b.ready;
 }
 
 int fieldsOf(const char *object)
@@ -122,9 +122,10 @@ struct Row {
     Change change;
 };
 
-QVector<Row> screensRows()
+QVector<Row> versionAndScreensRows()
 {
     return {
+        {"version.ready", "not-ready", [](BenchState &s) { s.ready = false; }},
         {"screens.supported", "no,yes,no,yes,yes",
          [](BenchState &s) {
              s.car.screens.supported = {false, true, false, true, true};
@@ -320,8 +321,8 @@ QVector<Row> faultRows()
 
 QVector<Row> allRows()
 {
-    return screensRows() + climateRows() + gaugesRows() + vehicleRows() + parkingRows() + textScreenRows()
-        + measuredRows() + faultRows();
+    return versionAndScreensRows() + climateRows() + gaugesRows() + vehicleRows() + parkingRows()
+        + textScreenRows() + measuredRows() + faultRows();
 }
 
 } // namespace
@@ -377,7 +378,9 @@ void TestBoxsimBenchStateItems::hasAFieldForEachMember()
     const boxsim::Measurements measured;
     QCOMPARE(fieldsOf("measured"), int(std::tuple_size_v<decltype(itemsOf(measured))>) + faces);
     QCOMPARE(fieldsOf("fault"), int(std::tuple_size_v<decltype(itemsOf(boxsim::Faults()))>));
-    QCOMPARE(membersOf(BenchState()), 4);
+    const int ready = 1;
+    QCOMPARE(fieldsOf("version"), ready);
+    QCOMPARE(membersOf(BenchState()), 4 + ready);
 }
 
 QTEST_GUILESS_MAIN(TestBoxsimBenchStateItems)

@@ -270,11 +270,12 @@ void TestBoxsimFields::refusesNames_data()
               "textScreen.plus and textScreen.texts");
     wrongName("an object alone", "screens",
               "no field \"screens\": there are screens.supported and screens.transition");
-    wrongName("an unknown object", "radio.volume",
-              "no object \"radio\": there are screens, climate, gauges, vehicle, parking, textScreen, "
-              "measured and fault");
+    wrongName(
+        "an unknown object", "radio.volume",
+        "no object \"radio\": there are version, screens, climate, gauges, vehicle, parking, textScreen, "
+        "measured and fault");
     wrongName("nothing", "",
-              "no object \"\": there are screens, climate, gauges, vehicle, parking, textScreen, "
+              "no object \"\": there are version, screens, climate, gauges, vehicle, parking, textScreen, "
               "measured and fault");
     wrongName("an entry above the last", "vehicle.door.5", "vehicle.door has the entries 1 to 4, not 5");
     wrongName("an entry below the first", "vehicle.door.0", "vehicle.door has the entries 1 to 4, not 0");

@@ -43,6 +43,8 @@ constexpr FieldKind kText = FieldKind::Text;
 constexpr FieldKind kTexts = FieldKind::Texts;
 
 constexpr Expected kFields[] {
+    {"version.ready", kFlag, 1, 0, 0, "not-ready ready"},
+
     {"screens.supported", kFlag, 5, 0, 0, "no yes"},
     {"screens.transition", kNumber, 1, -1, 4, ""},
 
@@ -176,8 +178,8 @@ void TestBoxsimFieldTable::hasNoOtherField()
 void TestBoxsimFieldTable::keepsTheOrderOfObjects()
 {
     QCOMPARE(boxsim::allObjects(),
-             QStringList(
-                 {"screens", "climate", "gauges", "vehicle", "parking", "textScreen", "measured", "fault"}));
+             QStringList({"version", "screens", "climate", "gauges", "vehicle", "parking", "textScreen",
+                          "measured", "fault"}));
 }
 
 void TestBoxsimFieldTable::namesEachFieldOnce()
@@ -202,10 +204,10 @@ void TestBoxsimFieldTable::findsFieldsAndEntriesByTheirNames()
     int entry = 0;
     QString error;
     QVERIFY(boxsim::findField("climate.type", &field, &entry, &error));
-    QCOMPARE(field, 2);
+    QCOMPARE(field, 3);
     QCOMPARE(entry, -1);
     QVERIFY(boxsim::findField("screens.supported.5", &field, &entry, &error));
-    QCOMPARE(field, 0);
+    QCOMPARE(field, 1);
     QCOMPARE(entry, 4);
     QVERIFY(!boxsim::findField("screens.supported.6", &field, &entry, &error));
     QCOMPARE(error, QString("screens.supported has the entries 1 to 5, not 6"));

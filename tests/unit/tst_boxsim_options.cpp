@@ -31,6 +31,7 @@ class TestBoxsimOptions : public QObject {
 private Q_SLOTS:
     void hasDefaults();
     void takesEveryOption();
+    void takesASpeedOfTheBuiltInDrive();
     void takesARecording();
     void takesEveryFaultByName();
     void takesTheFullNameOfAFault();
@@ -57,19 +58,28 @@ void TestBoxsimOptions::hasDefaults()
     QVERIFY(options.scenario.isEmpty() && options.replay.isEmpty());
     QCOMPARE(options.speed, 1.0);
     QCOMPARE(options.silentAfterMs, boxsim::kNever);
+    QCOMPARE(options.restartAfterMs, boxsim::kNever);
+    QCOMPARE(options.hangUpAfterMs, boxsim::kNever);
+    QCOMPARE(options.hangUpForMs, 1000);
     QVERIFY(!options.faults.split && options.faults.dropAnswers == 0 && options.faults.noise == 0);
     QCOMPARE(options.faults.notReadyReplies, 0);
 }
 
 void TestBoxsimOptions::takesEveryOption()
 {
-    const Options options = parsed({"--pty=box", "--split", "--json", "--silent-after", "0", "--not-ready",
-                                    "3", "--drop-answers", "0.25", "--corrupt", "0.01", "--noise", "12.5",
-                                    "--seed", "4294967295", "--scenario", "rain.json", "--speed", "0.5"});
+    const Options options = parsed(
+        {"--pty=box", "--split",         "--json",     "--silent-after",  "0",          "--not-ready",
+         "3",         "--drop-answers",  "0.25",       "--corrupt",       "0.01",       "--noise",
+         "12.5",      "--seed",          "4294967295", "--scenario",      "rain.json",  "--speed",
+         "0.5",       "--restart-after", "5000",       "--hang-up-after", "2147483647", "--hang-up-for",
+         "86400000"});
 
     QCOMPARE(options.ptyLink, QStringLiteral("box"));
     QVERIFY(options.json);
     QCOMPARE(options.silentAfterMs, qint64(0));
+    QCOMPARE(options.restartAfterMs, qint64(5000));
+    QCOMPARE(options.hangUpAfterMs, qint64(2147483647));
+    QCOMPARE(options.hangUpForMs, 86400000);
     QVERIFY(options.faults.split);
     QCOMPARE(options.faults.notReadyReplies, 3);
     QCOMPARE(options.faults.dropAnswers, 0.25);
@@ -78,6 +88,14 @@ void TestBoxsimOptions::takesEveryOption()
     QCOMPARE(options.seed.value(), 4294967295U);
     QCOMPARE(options.scenario, QStringLiteral("rain.json"));
     QCOMPARE(options.speed, 0.5);
+}
+
+void TestBoxsimOptions::takesASpeedOfTheBuiltInDrive()
+{
+    const Options options = parsed({"--pty", "box", "--speed", "10"});
+
+    QCOMPARE(options.ptyLink, QStringLiteral("box"));
+    QCOMPARE(options.speed, 10.0);
 }
 
 void TestBoxsimOptions::takesARecording()
@@ -166,7 +184,7 @@ void TestBoxsimOptions::theManualPageHasEveryOptionOfTheHelp()
                                         QRegularExpression::MultilineOption);
         QVERIFY2(inPage.match(page).hasMatch(), qPrintable(option));
     }
-    QCOMPARE(options, 20);
+    QCOMPARE(options, 23);
 }
 
 void TestBoxsimOptions::saysWhatIsWrong_data()
@@ -211,7 +229,14 @@ void TestBoxsimOptions::saysWhatIsWrong_data()
         "give either --scenario FILE or --replay FILE, and not both");
     row("an empty scenario path", {"--scenario", ""}, "--scenario takes a path, not nothing");
     row("an empty recording path", {"--replay", ""}, "--replay takes a path, not nothing");
-    row("a speed of nothing", {"--speed", "2"}, "--speed goes with --scenario FILE or --replay FILE");
+    row("a negative time to a restart", {"--restart-after=-1"},
+        "--restart-after takes a whole number from 0 to 2147483647, not \"-1\"");
+    row("a time to a hang-up that is no number", {"--hang-up-after", "soon"},
+        "--hang-up-after takes a whole number from 0 to 2147483647, not \"soon\"");
+    row("a hang-up for no time", {"--hang-up-after", "5", "--hang-up-for", "0"},
+        "--hang-up-for takes a whole number from 1 to 86400000, not \"0\"");
+    row("a hang-up without a beginning", {"--hang-up-for", "5"},
+        "--hang-up-for goes with --hang-up-after MS, which says when");
     row("a speed of 0", {"--replay", "b", "--speed", "0"},
         "--speed takes a number from 0.001 to 1000, not \"0\"");
     row("a speed that is no number", {"--replay", "b", "--speed", "nan"},

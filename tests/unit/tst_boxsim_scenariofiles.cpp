@@ -132,7 +132,7 @@ void TestBoxsimScenarioFiles::areReadAsTheDocumentWritesThem_data()
         for (const QString &step : steps.split(QStringLiteral("\n{")))
             QTest::addRow("step %d", ++count) << R"({"steps": [{)" + step.toUtf8() + "]}";
     }
-    QCOMPARE(count, 11);
+    QCOMPARE(count, 12);
 }
 
 void TestBoxsimScenarioFiles::areReadAsTheDocumentWritesThem()

@@ -173,6 +173,7 @@ void TestBoxsimScenarioSchema::refusesWhatTheReaderRefuses_data()
     QTest::newRow("an entry that there is not")
         << QByteArray(R"({"steps": [], "start": {"vehicle.door.5": true}})");
     stepRow("an empty step", "{}");
+    stepRow("a set of nothing", R"({"set": {}})");
     stepRow("two deeds", R"({"note": "a", "end": true})");
     stepRow("an about alone", R"({"about": "a"})");
     stepRow("an unknown member of a step", R"({"after": 1, "nota": "a"})");
@@ -207,6 +208,7 @@ void TestBoxsimScenarioSchema::refusesTheDeedsThatTheReaderRefuses_data()
     stepRow("no hexadecimal digits", R"({"bytes": "0x9F"})");
     stepRow("a restart that is none", R"({"restart": false})");
     stepRow("a hang-up for no time", R"({"hangUp": 0})");
+    stepRow("a hang-up for more than a day", R"({"hangUp": 86400001})");
     stepRow("a note that is no text", R"({"note": 5})");
     stepRow("a wait for nothing", R"({"wait": {"timeout": 5}})");
     stepRow("a wait for two things", R"({"wait": {"command": "climate.acBtn", "event": "linkUp"}})");

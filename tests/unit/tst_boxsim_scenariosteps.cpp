@@ -83,6 +83,9 @@ void TestBoxsimScenarioSteps::refusesAWrongStep_data()
             "drive.json:4: steps[1]: at takes at least 500, when the step before begins");
     stepRow("a time before that of several steps", "{\"at\": 500}, {\"after\": 100},\n{\"at\": 599}",
             "drive.json:4: steps[2]: at takes at least 600, when the step before begins");
+    stepRow("a set of nothing", R"({"set": {}})",
+            "drive.json:3: steps[0]: set takes at least one field with its value");
+    stepRow("a set that is no object", R"({"set": 5})", "drive.json:3: steps[0]: set takes an object, not 5");
     stepRow("a wrong value", R"({"set": {"vehicle.hood": "ajar"}})",
             "drive.json:3: steps[0].set: vehicle.hood takes closed or open, not \"ajar\"");
 }

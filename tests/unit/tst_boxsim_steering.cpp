@@ -86,6 +86,7 @@ void TestBoxsimSteering::setsFields_data()
     line("all entries", "vehicle.tire=0, 1,2,3", {"vehicle.tire 0|1|2|3"});
     line("a flag by its name alone", "fault.silence", {"fault.silence true"});
     line("an entry of flags by its name alone", "vehicle.door.4", {"vehicle.door[3] true"});
+    line("a flag of two words", "version.ready=not-ready", {"version.ready false"});
     line("a flag off", "fault.silence=off", {"fault.silence false"});
     line("blanks around name and value", "  climate.mainTemp = 215 \r\n", {"climate.mainTemp 215"});
     line("several at once", "climate.mainTemp=215 climate.mainUnit=1\tvehicle.door.2=open",
@@ -217,8 +218,8 @@ void TestBoxsimSteering::commandsTheBench_data()
     QTest::newRow("restart") << " restart " << Kind::Restart << 0 << QString();
     QTest::newRow("hangup for a second") << "hangup" << Kind::HangUp << 1000 << QString();
     QTest::newRow("hangup for a while") << "hangup 250" << Kind::HangUp << 250 << QString();
-    QTest::newRow("hangup for no time") << "hangup 0" << Kind::HangUp << 0 << QString();
-    QTest::newRow("hangup for an hour") << "hangup 3600000" << Kind::HangUp << 3600000 << QString();
+    QTest::newRow("hangup for a moment") << "hangup 1" << Kind::HangUp << 1 << QString();
+    QTest::newRow("hangup for a day") << "hangup 86400000" << Kind::HangUp << 86400000 << QString();
     QTest::newRow("note") << "note door=open? yes" << Kind::Note << 0 << QString("door=open? yes");
     QTest::newRow("quit") << "quit" << Kind::End << 0 << QString();
 }
@@ -281,16 +282,20 @@ void TestBoxsimSteering::saysWhatWouldBeRight_data()
     wrong("half a byte", "bytes 9F 0", bytes);
     wrong("a word", "bytes noise", bytes);
     wrong("hangup for a word", "hangup soon",
-          "hangup takes milliseconds from 0 to 3600000, or nothing, not \"soon\"");
-    wrong("hangup for less than nothing", "hangup -1",
-          "hangup takes milliseconds from 0 to 3600000, or nothing, not \"-1\"");
-    wrong("hangup for too long", "hangup 3600001",
-          "hangup takes milliseconds from 0 to 3600000, or nothing, not \"3600001\"");
+          "hangup takes milliseconds from 1 to 86400000, or nothing, not \"soon\"");
+    wrong("hangup for no time", "hangup 0",
+          "hangup takes milliseconds from 1 to 86400000, or nothing, not \"0\"");
+    wrong("hangup for too long", "hangup 86400001",
+          "hangup takes milliseconds from 1 to 86400000, or nothing, not \"86400001\"");
     wrong("restart with more", "restart now", "restart stands alone, without \"now\"");
     wrong("quit with more", "quit now", "quit stands alone, without \"now\"");
     wrong("an empty note", "note", "note takes a text, as in: note door test begins");
+    QTest::newRow("a note with a zero")
+        << QString("note a") + QChar(0) + 'b' << QString("note takes a text without control characters");
+    wrong("a note of two lines", "note a\rb", "note takes a text without control characters");
     wrong("help for an unknown object", "help radio",
-          "no object \"radio\": there are screens, climate, gauges, vehicle, parking, textScreen, measured "
+          "no object \"radio\": there are version, screens, climate, gauges, vehicle, parking, textScreen, "
+          "measured "
           "and fault");
     wrong("help for an unknown field", "help vehicle.dor",
           "no field \"vehicle.dor\": did you mean vehicle.door?");
@@ -322,10 +327,10 @@ void TestBoxsimSteering::listsCommandsAndObjects()
         "help [BEGINNING]       list everything, or the fields whose names begin so",
     };
     QCOMPARE(steered.answer.mid(0, expected.size()), expected);
-    QCOMPARE(
-        steered.answer.mid(expected.size()),
-        QStringList {QStringLiteral("NAME begins with one of: screens, climate, gauges, vehicle, parking, "
-                                    "textScreen, measured, fault")});
+    QCOMPARE(steered.answer.mid(expected.size()),
+             QStringList {QStringLiteral(
+                 "NAME begins with one of: version, screens, climate, gauges, vehicle, parking, "
+                 "textScreen, measured, fault")});
 }
 
 void TestBoxsimSteering::listsWhatCanFollow_data()
