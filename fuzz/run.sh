@@ -108,6 +108,10 @@ report() {
 # report_finding NAME LOG
 report_finding() {
     local finding
+    if grep -q 'libFuzzer: run interrupted' "$2"; then
+        printf 'fuzz: %-10s interrupted by a signal, no finding until then\n' "$1"
+        return
+    fi
     finding=$(sed -n 's/.*Test unit written to //p' "$2" | tail -n 1)
     grep -E '^fuzz: |ERROR: |runtime error: |SUMMARY: ' "$2" || tail -n 5 "$2"
     printf 'fuzz: %-10s FINDING %s\n' "$1" "${finding:-without an input: see $2}"
@@ -126,5 +130,5 @@ failed=()
 for target in "${targets[@]}"; do
     run_target "$target" "$share" || failed+=("$target")
 done
-[ ${#failed[@]} -eq 0 ] || fail 1 "FAILED: findings of ${failed[*]}, kept in $build/findings"
+[ ${#failed[@]} -eq 0 ] || fail 1 "FAILED: ${failed[*]}; findings are kept in $build/findings"
 echo "fuzz: no findings"
