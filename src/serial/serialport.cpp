@@ -50,6 +50,11 @@ bool SerialPort::isOpen() const
     return m_port && m_port->isOpen();
 }
 
+void SerialPort::stopWriting()
+{
+    m_hasStopped = true;
+}
+
 bool SerialPort::open(QString portName, int baudRate)
 {
     CANBUS_DEBUG() << "using port:" << portName << baudRate;
@@ -58,6 +63,7 @@ bool SerialPort::open(QString portName, int baudRate)
     m_reportedLosses = 0;
     m_lateWrites = 0;
     m_hasGivenUp = false;
+    m_hasStopped = false;
     m_lost = false;
     if (m_port->isOpen())
         m_port->close();
@@ -166,8 +172,8 @@ void SerialPort::write(const char *bytes, int size, const logging::Origin &origi
         Q_EMIT status(notConnected());
         return;
     }
-    if (m_lost)
-        return; // reported already, and nobody is there to take it
+    if (m_lost || m_hasStopped)
+        return; // reported already, and nobody is there to take it; or to be dropped
     if (m_lateWrites >= kMaxLateWrites && m_port->bytesToWrite() > kMaxUnwrittenBytes) {
         // Logged once, however much is still written to a line that takes nothing any more.
         if (!std::exchange(m_isStuck, true))

@@ -6,6 +6,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QString>
 
+#include <atomic>
+
 class QSerialPort;
 
 namespace canbus {
@@ -34,6 +36,10 @@ public:
     ~SerialPort() override;
 
     bool isOpen() const;
+
+    /// Lets the port drop all that is written, without a word, until it is opened again: for a thread that is
+    /// to end while many blocks wait for a line that takes none. Usable on every thread.
+    void stopWriting();
 
 Q_SIGNALS:
     /// The port is open. @param portName  as it was asked for
@@ -100,6 +106,7 @@ private:
     bool m_isWriting = false;
     bool m_hasGivenUp = false; // a block that the port has failed twice to write, and has kept
     bool m_isStuck = false;
+    std::atomic<bool> m_hasStopped {false};
     int m_lateWrites = 0; // in a row, after which bytes were still left
 };
 

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void keepsABoundedNumberOfBytesForASlowLine();
     void writesAgainOnceASlowLineHasCaughtUp();
     void reportsTheLossOfALineThatIsFull();
+    void dropsWhatIsWrittenOnceItHasStopped();
 };
 
 void TestSerialPortFailedWrites::writesAgainAfterASingleFailure()
@@ -211,6 +212,25 @@ void TestSerialPortFailedWrites::reportsTheLossOfALineThatIsFull()
     QTest::qWait(kWhileMs);
     QCOMPARE(it.error.size(), 1);
     QVERIFY(log.lines().size() < 10);
+}
+
+void TestSerialPortFailedWrites::dropsWhatIsWrittenOnceItHasStopped()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    it.port.stopWriting();
+    it.port.writeData(bytes("01"));
+    it.port.writeData("\x02", 1);
+    QCOMPARE(it.error.size() + it.status.size(), 0);
+    QVERIFY(log.lines().isEmpty());
+    // It reads on, and writes when it is opened again.
+    QVERIFY(line.send(bytes("03")));
+    QTRY_COMPARE(it.allRead(), bytes("03"));
+    QVERIFY(it.port.open(line.name(), kBaud));
+    it.port.writeData(bytes("04"));
+    QTRY_COMPARE(line.received(), bytes("04"));
 }
 
 QTEST_GUILESS_MAIN(TestSerialPortFailedWrites)
