@@ -2,13 +2,19 @@
 
 namespace canbus {
 
-QString deviceTried(const QString &name)
+QString devicePath(const QString &name)
 {
     for (const auto &beginning : {QStringLiteral("/"), QStringLiteral("./"), QStringLiteral("../")}) {
         if (name.startsWith(beginning))
             return name;
     }
-    return QStringLiteral("%1 (tried /dev/%1)").arg(name);
+    return QStringLiteral("/dev/") + name;
+}
+
+QString deviceTried(const QString &name)
+{
+    const QString path = devicePath(name);
+    return path == name ? name : QStringLiteral("%1 (tried %2)").arg(name, path);
 }
 
 } // namespace canbus

@@ -91,15 +91,11 @@ public:
         return m_process.exitStatus() == QProcess::NormalExit ? m_process.exitCode() : -1;
     }
 
-    /// The lines of standard error. Left out: "8" of the port, which says that a read found nothing, as it
-    /// may when a write has waited on the same line.
+    /// The lines of standard error.
     QList<QByteArray> complaints()
     {
         QList<QByteArray> lines = m_process.readAllStandardError().split('\n');
-        const auto isHarmless = [](const QByteArray &line) {
-            return line.isEmpty() || (line.contains("handleError()") && line.endsWith(" -- 8"));
-        };
-        lines.erase(std::remove_if(lines.begin(), lines.end(), isHarmless), lines.end());
+        lines.removeAll(QByteArray());
         return lines;
     }
 

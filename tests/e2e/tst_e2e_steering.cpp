@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include <sys/stat.h>
+
 // The box as a bench that is steered: by lines on its standard input, by scenarios, and by its options; and
 // with which status it ends.
 
@@ -88,6 +90,9 @@ void EndToEndSteering::answersAndComplainsAndGoesOn()
     QVERIFY(bench.startBox());
 
     bench.box->writeLine("climate.mainTemp=warm");
+    bench.box->writeLine("note gr\xfc\xdf");
+    bench.box->writeLine("note " + QByteArray(5000, 'x'));
+    bench.box->writeLine(QByteArray("fault.pause\0Ms=7", 16));
     bench.box->writeLine("fault.pauseMs=7");
     bench.box->writeLine("fault.pauseMs");
     QTRY_VERIFY_WITH_TIMEOUT(bench.box->hasObject(isAnswer("fault.pauseMs=7")), kLimitMs);
@@ -95,8 +100,11 @@ void EndToEndSteering::answersAndComplainsAndGoesOn()
     QCOMPARE(bench.box->exitStatus(), 0);
 
     const QList<QByteArray> complaints = bench.box->complaints();
-    QCOMPARE(complaints.size(), 1);
+    QCOMPARE(complaints.size(), 4);
     QVERIFY2(complaints.at(0).startsWith("canbus-boxsim: climate.mainTemp "), complaints.at(0).constData());
+    QVERIFY2(complaints.at(1).contains(" is not UTF-8"), complaints.at(1).constData());
+    QVERIFY2(complaints.at(2).contains(" more than 4096 bytes"), complaints.at(2).constData());
+    QVERIFY2(complaints.at(3).contains("\"fault.pause\\x00Ms\""), complaints.at(3).constData());
 }
 
 void EndToEndSteering::endsWithTheWordQuit()
@@ -199,7 +207,9 @@ void EndToEndSteering::refusesFaultyFilesBeforeItOpensAnything()
     QFETCH(QByteArray, content);
     const QString link = m_folder->filePath("box");
     const QString file = fileWith(content);
-    for (const QString &path : {file, m_folder->filePath("missing")}) {
+    const QString pipe = m_folder->filePath("pipe");
+    QCOMPARE(::mkfifo(qPrintable(pipe), 0600), 0);
+    for (const QString &path : {file, m_folder->filePath("missing"), pipe}) {
         Program box("canbus-boxsim", {"--pty", link, option, path});
 
         QCOMPARE(box.exitStatus(), 2);

@@ -14,6 +14,8 @@ private Q_SLOTS:
     void saysThatThePortIsOpen();
     void saysInOneLineWhyThePortDoesNotOpen_data();
     void saysInOneLineWhyThePortDoesNotOpen();
+    void saysWhereItLookedForANameWithoutAFolder();
+    void refusesLinesThatAreNone();
     void refusesWrongArgumentsBeforeItStarts_data();
     void refusesWrongArgumentsBeforeItStarts();
     void endsWhenItIsTold_data();
@@ -48,6 +50,7 @@ void tst_monitor_command::saysInOneLineWhyThePortDoesNotOpen_data()
     QTest::newRow("missing") << "/dev/there-is-no-such-device" << QByteArray("No such file or directory");
     QTest::newRow("no serial line") << "/dev/null" << QByteArray("Inappropriate ioctl for device");
     QTest::newRow("folder") << "/tmp" << QByteArray("Is a directory");
+    QTest::newRow("missing in this folder") << "./no-such-device" << QByteArray("No such file or directory");
 }
 
 void tst_monitor_command::saysInOneLineWhyThePortDoesNotOpen()
@@ -60,6 +63,30 @@ void tst_monitor_command::saysInOneLineWhyThePortDoesNotOpen()
              "canbus-monitor: cannot open " + device.toUtf8() + " at 57600 baud: " + reason
                  + ": name the box's device with --port\n");
     QCOMPARE(monitor.output(), QByteArray());
+}
+
+void tst_monitor_command::saysWhereItLookedForANameWithoutAFolder()
+{
+    Command monitor({"--port", "no-such-device"});
+    QCOMPARE(monitor.waitForEnd(), 1);
+    QCOMPARE(
+        monitor.errors(),
+        QByteArray("canbus-monitor: cannot open no-such-device (tried /dev/no-such-device) at 57600 baud: "
+                   "No such file or directory: name the box's device with --port\n"));
+}
+
+void tst_monitor_command::refusesLinesThatAreNone()
+{
+    const PseudoTerminal line;
+    Command monitor({"--port", line.name()});
+    monitor.type("climate.acBtn\xff");
+    monitor.type(QByteArray(5000, 'x'));
+    monitor.type("quit");
+    QCOMPARE(monitor.waitForEnd(), 0);
+    QCOMPARE(
+        monitor.errors(),
+        QByteArray("canbus-monitor: a line of standard input is not UTF-8: write it in that encoding\n"
+                   "canbus-monitor: a line of standard input has more than 4096 bytes: write it shorter\n"));
 }
 
 void tst_monitor_command::refusesWrongArgumentsBeforeItStarts_data()

@@ -9,8 +9,20 @@ class tst_monitor_linkhints : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void knowsTheUsualCauses_data();
-    void knowsTheUsualCauses();
+    void findsNothingWrongWithASoundLine_data();
+    void findsNothingWrongWithASoundLine();
+    void knowsAWrongBaudRateAndASilentLine_data();
+    void knowsAWrongBaudRateAndASilentLine();
+    void knowsALineThatDamagesBytes_data();
+    void knowsALineThatDamagesBytes();
+    void knowsABoxThatDoesNotAnswer_data();
+    void knowsABoxThatDoesNotAnswer();
+    void knowsWhatIsTooMuch_data();
+    void knowsWhatIsTooMuch();
+    void knowsABoxThatIsNeverReady_data();
+    void knowsABoxThatIsNeverReady();
+    void knowsErrorsOfThePort_data();
+    void knowsErrorsOfThePort();
 };
 
 namespace {
@@ -45,26 +57,29 @@ LinkFigures emptyExcept(Change change)
     return figures;
 }
 
-} // namespace
-
-void tst_monitor_linkhints::knowsTheUsualCauses_data()
+void columns()
 {
-    using Figures = LinkFigures &;
     QTest::addColumn<LinkFigures>("figures");
     QTest::addColumn<QStringList>("hints");
-    const auto row = [](const char *name, const LinkFigures &figures, const QStringList &hints = {}) {
-        QTest::newRow(name) << figures << hints;
-    };
-    const QString baud = QStringLiteral("bytes but no frames: check the baud rate");
-    const QString silence =
-        QStringLiteral("nothing was received: check the cable, the port and the power of the box");
-    const QString noise =
-        QStringLiteral(" frames had bad check bytes: noise on the line, check its cable and "
-                       "ground");
-    const QString deaf = QStringLiteral(": frames arrive, but the box does not answer, check the line to it");
-    const QString flood = QStringLiteral(" thrown away unread: the box sends faster than one frame in 10 ms");
-    const QString full = QStringLiteral(" refused: too many at once, send the next when one is answered");
-    const QString notReady = QStringLiteral("frames but no link: the box has not reported itself ready");
+}
+
+void row(const char *name, const LinkFigures &figures, const QStringList &hints = {})
+{
+    QTest::newRow(name) << figures << hints;
+}
+
+void compareHints()
+{
+    QFETCH(LinkFigures, figures);
+    QTEST(hintsFor(figures), "hints");
+}
+
+} // namespace
+
+void tst_monitor_linkhints::findsNothingWrongWithASoundLine_data()
+{
+    using Figures = LinkFigures &;
+    columns();
 
     row("a sound minute", soundMinute());
     row("an end before anything was sent", LinkFigures());
@@ -79,6 +94,20 @@ void tst_monitor_linkhints::knowsTheUsualCauses_data()
             f.connectRequests = f.connectionChecks = f.receivedFrames = f.receivedAcks = 1;
             f.receivedBytes = 15;
         }));
+}
+
+void tst_monitor_linkhints::findsNothingWrongWithASoundLine()
+{
+    compareHints();
+}
+
+void tst_monitor_linkhints::knowsAWrongBaudRateAndASilentLine_data()
+{
+    using Figures = LinkFigures &;
+    columns();
+    const QString baud = QStringLiteral("bytes but no frames: check the baud rate");
+    const QString silence =
+        QStringLiteral("nothing was received: check the cable, the port and the power of the box");
 
     row("bytes alone", emptyExcept([](Figures f) { f.receivedBytes = 16; }), {baud});
     row("too few bytes to tell", emptyExcept([](Figures f) { f.receivedBytes = 15; }));
@@ -94,6 +123,19 @@ void tst_monitor_linkhints::knowsTheUsualCauses_data()
         }));
 
     row("silence when asked twice", emptyExcept([](Figures f) { f.sentFrames = 2; }), {silence});
+}
+
+void tst_monitor_linkhints::knowsAWrongBaudRateAndASilentLine()
+{
+    compareHints();
+}
+
+void tst_monitor_linkhints::knowsALineThatDamagesBytes_data()
+{
+    using Figures = LinkFigures &;
+    columns();
+    const QString noise =
+        QStringLiteral(" frames had bad check bytes: noise on the line, check its cable and ground");
 
     row("three bad checks of 150", soundExcept([](Figures f) {
             f.receivedFrames = 147;
@@ -108,6 +150,18 @@ void tst_monitor_linkhints::knowsTheUsualCauses_data()
             f.receivedFrames = 2;
             f.badChecks = 2;
         }));
+}
+
+void tst_monitor_linkhints::knowsALineThatDamagesBytes()
+{
+    compareHints();
+}
+
+void tst_monitor_linkhints::knowsABoxThatDoesNotAnswer_data()
+{
+    using Figures = LinkFigures &;
+    columns();
+    const QString deaf = QStringLiteral(": frames arrive, but the box does not answer, check the line to it");
 
     row("a lost link", soundExcept([](Figures f) {
             f.sentFrames = 14;
@@ -138,6 +192,19 @@ void tst_monitor_linkhints::knowsTheUsualCauses_data()
             f.sentFrames = f.receivedAcks = 80;
             f.retransmissions = 64;
         }));
+}
+
+void tst_monitor_linkhints::knowsABoxThatDoesNotAnswer()
+{
+    compareHints();
+}
+
+void tst_monitor_linkhints::knowsWhatIsTooMuch_data()
+{
+    using Figures = LinkFigures &;
+    columns();
+    const QString flood = QStringLiteral(" thrown away unread: the box sends faster than one frame in 10 ms");
+    const QString full = QStringLiteral(" refused: too many at once, send the next when one is answered");
 
     row("a buffer thrown away", soundExcept([](Figures f) {
             f.discardedBuffers = 1;
@@ -147,6 +214,18 @@ void tst_monitor_linkhints::knowsTheUsualCauses_data()
 
     row("one command refused", soundExcept([](Figures f) { f.refusedFull = 1; }), {"1 command" + full});
     row("commands refused", soundExcept([](Figures f) { f.refusedFull = 7; }), {"7 commands" + full});
+}
+
+void tst_monitor_linkhints::knowsWhatIsTooMuch()
+{
+    compareHints();
+}
+
+void tst_monitor_linkhints::knowsABoxThatIsNeverReady_data()
+{
+    using Figures = LinkFigures &;
+    columns();
+    const QString notReady = QStringLiteral("frames but no link: the box has not reported itself ready");
 
     row("never ready", soundExcept([](Figures f) {
             f.connectRequests = 3;
@@ -160,20 +239,31 @@ void tst_monitor_linkhints::knowsTheUsualCauses_data()
     row("not ready at first", soundExcept([](Figures f) { f.connectRequests = 5; }));
     row("a recording that begins on a link that is up",
         soundExcept([](Figures f) { f.connectRequests = f.connectionChecks = 0; }));
+}
 
-    row("a port error", soundExcept([](Figures f) { f.portErrors = 1; }),
-        {"1 error of the port: was the device pulled out?"});
+void tst_monitor_linkhints::knowsABoxThatIsNeverReady()
+{
+    compareHints();
+}
+
+void tst_monitor_linkhints::knowsErrorsOfThePort_data()
+{
+    using Figures = LinkFigures &;
+    columns();
+    const QString full = QStringLiteral(" refused: too many at once, send the next when one is answered");
+    const QString port = QStringLiteral(" of the port: --verbose shows the library's lines about them");
+
+    row("a port error", soundExcept([](Figures f) { f.portErrors = 1; }), {"1 error" + port});
     row("several causes", soundExcept([](Figures f) {
             f.refusedFull = 2;
             f.portErrors = 3;
         }),
-        {"2 commands" + full, "3 errors of the port: was the device pulled out?"});
+        {"2 commands" + full, "3 errors" + port});
 }
 
-void tst_monitor_linkhints::knowsTheUsualCauses()
+void tst_monitor_linkhints::knowsErrorsOfThePort()
 {
-    QFETCH(LinkFigures, figures);
-    QTEST(hintsFor(figures), "hints");
+    compareHints();
 }
 
 QTEST_GUILESS_MAIN(tst_monitor_linkhints)

@@ -120,7 +120,7 @@ const Row kRows[] {
      }},
     {hasPortErrors,
      [](const LinkFigures &figures) {
-         return QStringLiteral("%1 of the port: was the device pulled out?")
+         return QStringLiteral("%1 of the port: --verbose shows the library's lines about them")
              .arg(count(figures.portErrors, "error", "errors"));
      }},
 };

@@ -61,7 +61,7 @@ int main(int argc, char *argv[])
     if (readsRecording)
         monitor::VirtualClock::install();
     const QCoreApplication application(argc, argv);
-    monitor::standardError::takeLog();
+    monitor::standardError::takeLog(options && options->isVerbose);
 
     if (!options) {
         monitor::standardError::complain(options.error());

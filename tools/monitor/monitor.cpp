@@ -1,11 +1,13 @@
 #include "monitor.h"
 
+#include "devicename.h"
 #include "exitstatus.h"
 #include "hostcontrols.h"
 #include "joinableprotocol.h"
 #include "linereader.h"
 #include "linkhints.h"
 #include "metamethods.h"
+#include "portwatch.h"
 #include "recorder.h"
 #include "reportlines.h"
 #include "standarderror.h"
@@ -28,10 +30,9 @@ namespace canbus::monitor {
 namespace {
 
 using standardError::complain;
-using standardError::LogLevel;
 
 constexpr int kStatsIntervalMs = 10000;
-constexpr int kPortIntervalMs = 500;
+constexpr int kPortIntervalMs = 200;
 
 /// Why a port does not open, and what to do about it. Asked only after the library has failed to open it.
 QString openError(const QString &device, int baud)
@@ -98,14 +99,17 @@ void Monitor::start()
         if (m_recorder)
             m_recorder->discard();
         complain(QStringLiteral("cannot open %1 at %2 baud: %3")
-                     .arg(m_options.port, QString::number(m_options.baud),
+                     .arg(deviceTried(m_options.port), QString::number(m_options.baud),
                           openError(m_options.port, m_options.baud)));
         end(kFailure);
         return;
     }
     Q_EMIT m_host->portOpened(m_options.port, m_options.baud);
     if (m_options.durationMs)
-        QTimer::singleShot(*m_options.durationMs, Qt::PreciseTimer, this, [this] { end(kSuccess); });
+        QTimer::singleShot(*m_options.durationMs, Qt::PreciseTimer, this, [this] {
+            if (!endIfPortIsGone())
+                end(kSuccess);
+        });
     startStats();
     watchPort();
     startReadingStandardInput();
@@ -142,14 +146,11 @@ int Monitor::closeRecording(int status)
 
 bool Monitor::openPort()
 {
-    // A port that does not open is reported below with its reason, which the library's line lacks.
-    standardError::setLogLevel(m_options.isVerbose ? LogLevel::Everything : LogLevel::Nothing);
     CanBusPlayer::instance()->setUartPort(m_options.port, m_options.baud);
     m_protocol = std::make_unique<JoinableProtocol>();
     if (m_recorder)
         Recorder::start(m_recorder, m_protocol.get());
     CanBusPlayer::instance()->init(m_protocol.get());
-    standardError::setLogLevel(m_options.isVerbose ? LogLevel::Everything : LogLevel::Errors);
     return m_protocol->isJoined();
 }
 
@@ -163,12 +164,37 @@ void Monitor::startStats()
     timer->start(kStatsIntervalMs);
 }
 
-/// The library goes on with a port that has failed, in silence, and tells nobody but its figures.
+/// The library goes on with a port that has failed, in silence.
 void Monitor::watchPort()
 {
+    m_port = std::make_unique<PortWatch>(m_options.port);
     auto *const timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, &Monitor::tellOfPortErrors);
+    connect(timer, &QTimer::timeout, this, &Monitor::checkPort);
     timer->start(kPortIntervalMs);
+}
+
+void Monitor::checkPort()
+{
+    if (m_hasEnded)
+        return;
+    const quint64 errors = m_protocol->linkHealth()->figures().portErrors;
+    // The library's figures are to tell of the loss too: it may be a moment behind.
+    const bool isTold = errors > 0 || std::exchange(m_seemsGone, m_port->isGone());
+    if (isTold && endIfPortIsGone())
+        return;
+    if (m_toldPortErrors == 0)
+        tellOfPortErrors();
+}
+
+/// @return whether it is
+bool Monitor::endIfPortIsGone()
+{
+    m_isGone = m_port->isGone();
+    if (m_isGone && !m_hasEnded) {
+        complain(QStringLiteral("%1 is gone: connect it and start canbus-monitor again").arg(m_options.port));
+        end(kFailure);
+    }
+    return m_isGone;
 }
 
 void Monitor::tellOfPortErrors()
@@ -183,6 +209,8 @@ void Monitor::tellOfPortErrors()
 
 void Monitor::giveHints()
 {
+    if (m_isGone)
+        return; // that says it all
     tellOfPortErrors();
     LinkFigures others = m_protocol->linkHealth()->figures();
     others.portErrors = 0;

@@ -19,6 +19,7 @@ namespace canbus::monitor {
 
 class HostControls;
 class JoinableProtocol;
+class PortWatch;
 class Recorder;
 
 /// The small head unit: brings the library up on a port, prints what its objects signal, makes the calls
@@ -39,6 +40,8 @@ private:
     bool openPort();
     void startStats();
     void watchPort();
+    void checkPort();
+    bool endIfPortIsGone();
     void tellOfPortErrors();
     void giveHints();
     void startReadingStandardInput();
@@ -63,9 +66,12 @@ private:
     SignalSpy m_spy;
     std::unique_ptr<JoinableProtocol> m_protocol;
     std::shared_ptr<Recorder> m_recorder; // null without --record
+    std::unique_ptr<PortWatch> m_port;
     std::unique_ptr<LineReader> m_standardInput;
     quint64 m_toldPortErrors = 0; // how many the user has been told of
     bool m_isOpen = false;        // the port has opened
+    bool m_seemsGone = false;     // when it was last looked at
+    bool m_isGone = false;
     bool m_hasEnded = false;
 };
 

@@ -25,7 +25,6 @@ namespace canbus::monitor {
 namespace {
 
 using standardError::complain;
-using standardError::LogLevel;
 
 constexpr qint64 kTickUs = 10000;
 // Where the recording shows when a frame was answered, the ticks follow that: a tick that comes early would
@@ -86,7 +85,6 @@ int Playback::run()
     QString fault;
     const bool isWhole = recording::read(m_options.readFile, &recording, &fault);
     if (isWhole || !recording.blocks.isEmpty()) {
-        standardError::setLogLevel(m_options.isVerbose ? LogLevel::Everything : LogLevel::Errors);
         // The protocol's parser thread keeps out all the time: the passes are made here.
         CanBusReadBuff *const buffer = CanBusReadBuff::instance();
         buffer->mutex.lock();
@@ -100,10 +98,11 @@ int Playback::run()
         m_sent.reset();
         m_protocol.reset();
     }
-    if (!isWhole)
-        complain(fault);
     const int status = exitStatus(m_output);
-    return isWhole ? status : int(kFailure);
+    if (isWhole)
+        return status;
+    complain(fault);
+    return recording.blocks.isEmpty() ? kWrongArguments : kFailure;
 }
 
 /// As the facade joins itself to a protocol, less the port and the head unit's own events.

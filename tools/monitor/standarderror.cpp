@@ -31,17 +31,11 @@ void complain(const QString &text)
     writeLine(QStringLiteral("canbus-monitor: ") + onOneLine(text));
 }
 
-void takeLog()
+void takeLog(bool isVerbose)
 {
     qInstallMessageHandler(writeMessage);
-}
-
-void setLogLevel(LogLevel level)
-{
-    const bool errors = level != LogLevel::Nothing;
-    const bool debug = level == LogLevel::Everything;
-    QLoggingCategory::setFilterRules(QStringLiteral("default.critical=%1\ndefault.debug=%2")
-                                         .arg(QVariant(errors).toString(), QVariant(debug).toString()));
+    const QString shown = QVariant(isVerbose).toString();
+    QLoggingCategory::setFilterRules(QStringLiteral("default.critical=%1\ndefault.debug=%1").arg(shown));
 }
 
 } // namespace canbus::monitor::standardError

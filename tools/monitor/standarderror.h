@@ -4,15 +4,11 @@
 
 namespace canbus::monitor::standardError {
 
-/// Which of the library's log lines are written.
-enum class LogLevel { Nothing, Errors, Everything };
-
 /// Writes one line, after the command's name.
 void complain(const QString &text);
 
-/// From now on Qt's messages, and with them the library's log, are written as they are.
-void takeLog();
-
-void setLogLevel(LogLevel level);
+/// From now on Qt's messages are written as they are.
+/// @param isVerbose  the library's log as well; what a user has to know of it the command says itself
+void takeLog(bool isVerbose);
 
 } // namespace canbus::monitor::standardError
