@@ -21,6 +21,26 @@ struct Parsed {
     bool isWhole;
 };
 
+void columns()
+{
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("error");
+}
+
+void row(const char *name, std::initializer_list<const char *> parts, const char *error)
+{
+    QTest::newRow(name) << joined(parts) << QString(error);
+}
+
+void compareErrors()
+{
+    QFETCH(QByteArray, file);
+    const Parsed parsed(file);
+    QTEST(parsed.error, "error");
+    QVERIFY(!parsed.isWhole);
+    QCOMPARE(parsed.count(), 0);
+}
+
 } // namespace
 
 class tst_recording_reader : public QObject {
@@ -37,8 +57,16 @@ private Q_SLOTS:
     void packetsWithoutADirectionCountAsReceived();
     void passesOverBlocksOfOtherKinds();
     void theFirstCommentIsTheRecordings();
-    void saysWhatIsWrong_data();
-    void saysWhatIsWrong();
+    void refusesWhatIsNoRecording_data();
+    void refusesWhatIsNoRecording();
+    void refusesAWrongSectionOrInterface_data();
+    void refusesAWrongSectionOrInterface();
+    void refusesWrongLengths_data();
+    void refusesWrongLengths();
+    void refusesAWrongPacket_data();
+    void refusesAWrongPacket();
+    void refusesOptionsThatDoNotFit_data();
+    void refusesOptionsThatDoNotFit();
     void keepsWhatStandsBeforeAFault();
     void everyPrefixGivesItsWholeBlocksOrAnError();
     void everyByteMayBeWrong();
@@ -199,13 +227,9 @@ void tst_recording_reader::theFirstCommentIsTheRecordings()
     QCOMPARE(parsed.recording.comment, QStringLiteral("on then"));
 }
 
-void tst_recording_reader::saysWhatIsWrong_data()
+void tst_recording_reader::refusesWhatIsNoRecording_data()
 {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("error");
-    const auto row = [](const char *name, std::initializer_list<const char *> parts, const char *error) {
-        QTest::newRow(name) << joined(parts) << QString(error);
-    };
+    columns();
     const char *const noPcapng = "no pcapng file";
     const char *const classic = "a classic pcap file: convert it with editcap -F pcapng";
     row("empty", {}, "empty: a recording is a pcapng file");
@@ -215,6 +239,16 @@ void tst_recording_reader::saysWhatIsWrong_data()
     row("classic, big endian", {"a1b2c3d4 00020004"}, classic);
     row("classic with nanoseconds", {"4d3cb2a1 02000400"}, classic);
     row("classic with nanoseconds, big endian", {"a1b23c4d 00020004"}, classic);
+}
+
+void tst_recording_reader::refusesWhatIsNoRecording()
+{
+    compareErrors();
+}
+
+void tst_recording_reader::refusesAWrongSectionOrInterface_data()
+{
+    columns();
     row("no byte order", {"0a0d0d0a 1c000000 11223344 0100 0000 ffffffffffffffff 1c000000"},
         "the block at byte 0 names no byte order that there is");
     row("another version", {"0a0d0d0a 1c000000 4d3c2b1a 0200 0000 ffffffffffffffff 1c000000"},
@@ -225,11 +259,16 @@ void tst_recording_reader::saysWhatIsWrong_data()
         "the block at byte 68 is of link type 1: a recording of this line is of type 147, USER0");
     row("an interface shorter than its fields", {kSection, "01000000 10000000 9300 0000 10000000"},
         "the block at byte 68 has an impossible length, 16");
-    row("a packet shorter than its fields",
-        {kSection, kInterface, "06000000 1c000000 00000000 00000000 00000000 00000000 1c000000"},
-        "the block at byte 116 has an impossible length, 28");
-    row("a simple packet shorter than its fields", {kSection, kInterface, "03000000 0c000000 0c000000"},
-        "the block at byte 116 has an impossible length, 12");
+}
+
+void tst_recording_reader::refusesAWrongSectionOrInterface()
+{
+    compareErrors();
+}
+
+void tst_recording_reader::refusesWrongLengths_data()
+{
+    columns();
     row("a length of 0", {kSection, kInterface, "ff000000 00000000 00000000"},
         "the block at byte 116 has an impossible length, 0");
     row("a length that is no multiple of four", {kSection, kInterface, "ff000000 0d000000 00 0d000000"},
@@ -242,6 +281,23 @@ void tst_recording_reader::saysWhatIsWrong_data()
         "cut in the middle of the block at byte 116");
     row("two lengths", {kSection, kInterface, "ff000000 10000000 00000000 14000000"},
         "the block at byte 116 contradicts itself: 16 bytes at its start, 20 at its end");
+    row("a block whose length is missing", {kSection, "06000000"},
+        "cut in the middle of the block at byte 68");
+}
+
+void tst_recording_reader::refusesWrongLengths()
+{
+    compareErrors();
+}
+
+void tst_recording_reader::refusesAWrongPacket_data()
+{
+    columns();
+    row("a packet shorter than its fields",
+        {kSection, kInterface, "06000000 1c000000 00000000 00000000 00000000 00000000 1c000000"},
+        "the block at byte 116 has an impossible length, 28");
+    row("a simple packet shorter than its fields", {kSection, kInterface, "03000000 0c000000 0c000000"},
+        "the block at byte 116 has an impossible length, 12");
     row("more data than the packet",
         {kSection, kInterface,
          "06000000 24000000 00000000 00000000 07000000 05000000 05000000 aa000000 24000000"},
@@ -262,6 +318,16 @@ void tst_recording_reader::saysWhatIsWrong_data()
     row("the interface of the section before",
         {kSection, kInterface, "0a0d0d0a 1c000000 4d3c2b1a 0100 0000 ffffffffffffffff 1c000000", kSent},
         "the block at byte 144 names interface 0: there is none");
+}
+
+void tst_recording_reader::refusesAWrongPacket()
+{
+    compareErrors();
+}
+
+void tst_recording_reader::refusesOptionsThatDoNotFit_data()
+{
+    columns();
     row("an option that is longer than its packet",
         {kSection, kInterface,
          "06000000 2c000000 00000000 00000000 07000000 01000000 01000000 aa000000"
@@ -273,17 +339,11 @@ void tst_recording_reader::saysWhatIsWrong_data()
     row("an option that is longer than its section",
         {"0a0d0d0a 20000000 4d3c2b1a 0100 0000 ffffffffffffffff 0100 0100 20000000"},
         "the block at byte 0 has an option that is longer than the block");
-    row("a block whose length is missing", {kSection, "06000000"},
-        "cut in the middle of the block at byte 68");
 }
 
-void tst_recording_reader::saysWhatIsWrong()
+void tst_recording_reader::refusesOptionsThatDoNotFit()
 {
-    QFETCH(QByteArray, file);
-    const Parsed parsed(file);
-    QTEST(parsed.error, "error");
-    QVERIFY(!parsed.isWhole);
-    QCOMPARE(parsed.count(), 0);
+    compareErrors();
 }
 
 void tst_recording_reader::keepsWhatStandsBeforeAFault()
