@@ -1,33 +1,15 @@
-#include "boxsim/faultyline.h"
-
+#include "faultylines.h"
 #include "hexbytes.h"
 
 #include <QtTest/QtTest>
 
 using boxsim::Faults;
 using boxsim::FaultyLine;
+using namespace faultylines;
 
 namespace {
 
-using Blocks = QVector<QByteArray>;
-
-constexpr char kFrame[] = "9f 02 50 03 00 01 02 50 9f 03";
 constexpr char kEscapedFrame[] = "9f 02 9f9f 03 02 9f9f 01 9f 03";
-
-FaultyLine lineWith(const Faults &faults, quint32 seed = 1)
-{
-    FaultyLine line(seed);
-    line.setFaults(faults, 0);
-    return line;
-}
-
-QByteArray joined(const Blocks &blocks)
-{
-    QByteArray all;
-    for (const QByteArray &block : blocks)
-        all += block;
-    return all;
-}
 
 QStringList told(FaultyLine &line)
 {

@@ -1,34 +1,11 @@
-#include "boxsim/faultyline.h"
-
+#include "faultylines.h"
 #include "hexbytes.h"
 
 #include <QtTest/QtTest>
 
 using boxsim::Faults;
 using boxsim::FaultyLine;
-
-namespace {
-
-using Blocks = QVector<QByteArray>;
-
-constexpr char kFrame[] = "9f 02 50 03 00 01 02 50 9f 03";
-
-FaultyLine lineWith(const Faults &faults)
-{
-    FaultyLine line;
-    line.setFaults(faults, 0);
-    return line;
-}
-
-QByteArray joined(const Blocks &blocks)
-{
-    QByteArray all;
-    for (const QByteArray &block : blocks)
-        all += block;
-    return all;
-}
-
-} // namespace
+using namespace faultylines;
 
 /// How the bytes are cut into blocks, and what comes between the blocks.
 class TestBoxsimFaultyLineBlocks : public QObject {

@@ -1,6 +1,5 @@
-#include "boxsim/line.h"
-
 #include "hexbytes.h"
+#include "linetest.h"
 #include "plaindevice.h"
 
 #include <QtTest/QtTest>
@@ -24,11 +23,11 @@ QByteArray everyByte()
 
 } // namespace
 
-class TestBoxsimLine : public QObject {
+class TestBoxsimLine : public LineTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { makeFolder(); }
     void linksToAPseudoTerminal();
     void passesEveryByteBothWays();
     void outlivesHeadUnitsThatComeAndGo();
@@ -43,29 +42,7 @@ private Q_SLOTS:
     void saysWhyAPortCannotBeOpened();
     void talksOverAnyDeviceAsAPort();
     void saysOnceThatThePortIsGone();
-
-private:
-    std::unique_ptr<Line> open();
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_link;
 };
-
-void TestBoxsimLine::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
-    m_link = m_folder->filePath("box");
-}
-
-std::unique_ptr<Line> TestBoxsimLine::open()
-{
-    QString error;
-    std::unique_ptr<Line> line = boxsim::openPty(m_link, &error);
-    if (!line)
-        qWarning("%s", qPrintable(error));
-    return line;
-}
 
 void TestBoxsimLine::linksToAPseudoTerminal()
 {

@@ -1,6 +1,5 @@
-#include "boxsim/line.h"
-
 #include "hexbytes.h"
+#include "linetest.h"
 #include "plaindevice.h"
 
 #include <QtTest/QtTest>
@@ -15,11 +14,11 @@ constexpr int kLimitMs = 30000;
 
 } // namespace
 
-class TestBoxsimLineHangUp : public QObject {
+class TestBoxsimLineHangUp : public LineTest {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init() { makeFolder(); }
     void hangsUpOnTheHeadUnitAndTakesTheLinkAway();
     void comesBackBehindTheSameLink();
     void losesWhatIsWrittenWhileItIsGone();
@@ -28,29 +27,7 @@ private Q_SLOTS:
     void leavesAnotherFileAloneWhenItComesBack();
     void closesAndReopensAPort();
     void saysThatAPortDidNotComeBack();
-
-private:
-    std::unique_ptr<Line> open();
-
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_link;
 };
-
-void TestBoxsimLineHangUp::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
-    m_link = m_folder->filePath("box");
-}
-
-std::unique_ptr<Line> TestBoxsimLineHangUp::open()
-{
-    QString error;
-    std::unique_ptr<Line> line = boxsim::openPty(m_link, &error);
-    if (!line)
-        qWarning("%s", qPrintable(error));
-    return line;
-}
 
 void TestBoxsimLineHangUp::hangsUpOnTheHeadUnitAndTakesTheLinkAway()
 {
