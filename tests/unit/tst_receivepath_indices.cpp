@@ -125,7 +125,7 @@ void ReceivePathIndicesTest::meetsEveryIndexAsAStepOfAPass()
     for (const QByteArray &buffer : kBuffers) {
         for (const int start : kIndices) {
             for (const int end : kIndices) {
-                protocol.buffer()->data = buffer;
+                HandDrivenProtocol::buffer()->data = buffer;
                 protocol->onSearchDLE_ETX(start);
                 protocol->onRemoveEscapeFrameHeaders(start, end);
                 protocol->checkXOR(start, end);
@@ -134,7 +134,7 @@ void ReceivePathIndicesTest::meetsEveryIndexAsAStepOfAPass()
             }
         }
     }
-    protocol.buffer()->data.clear();
+    HandDrivenProtocol::buffer()->data.clear();
     protocol.takeEvents();
     QCOMPARE(protocol.passOver(bytes("9f 02 21 08 00 29 9f 03")), QStringList {"write 9f0621219f03"});
 }

@@ -154,14 +154,14 @@ void VelCanBusProtocolEffectsTest::stopsTheSendTimerFromAnotherThreadByAQueuedCa
     HandDrivenProtocol protocol;
     TimerWatch timers;
     protocol->onSaveSendCmdData(kCommand);
-    protocol.runQueuedCalls();
+    HandDrivenProtocol::runQueuedCalls();
     QVERIFY(timers.isRunning(300));
     QVERIFY(onAnotherThread([&] {
         for (int expiry = 0; expiry < 3; ++expiry)
             protocol->onSendTmrout();
     }));
     QVERIFY(timers.isRunning(300));
-    protocol.runQueuedCalls();
+    HandDrivenProtocol::runQueuedCalls();
     QVERIFY(!timers.isRunning(300));
     // Qt warns of a timer that is touched from another thread.
     for (const LogLine &line : protocol.log().lines())

@@ -18,7 +18,7 @@ void notReady(HandDrivenProtocol &protocol, int times)
 {
     for (int i = 0; i < times; ++i) {
         protocol.passOver(kNotReady);
-        protocol.runQueuedCalls();
+        HandDrivenProtocol::runQueuedCalls();
     }
 }
 
