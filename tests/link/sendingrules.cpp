@@ -228,8 +228,12 @@ void SendingRules::unexpectedWrite(const QByteArray &frame)
 {
     const bool isCached = std::any_of(m_cache.begin(), m_cache.end(),
                                       [&](const Cached &cached) { return cached.frame == frame; });
-    const bool isOver = isNext(Expected::End) && m_expected.front().frame == frame;
-    const char *const rule = frame == head() || isOver ? kPace : isCached ? kOrder : kHeadOnly;
+    // Where a frame was to end, that is the rule, whatever was sent instead.
+    const bool isEnd = isNext(Expected::End);
+    const char *const rule = isEnd ? m_expected.front().rule
+        : frame == head()          ? kPace
+        : isCached                 ? kOrder
+                                   : kHeadOnly;
     m_findings.broken(rule, QStringLiteral("%1 was sent").arg(hexText(frame)));
 }
 

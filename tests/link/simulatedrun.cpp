@@ -43,7 +43,7 @@ SimulatedRun::SimulatedRun(ParkedHeadUnit &headUnit, quint32 seed, Trace &trace)
     m_nextTickMs = 1 + m_chance.below(kTickMs); // apart from the timers
     m_reactsToLink = m_chance.happens(0.5);
     m_link.whenStatusTold = [this](bool up) {
-        if (up && m_reactsToLink)
+        if (up && m_reactsToLink && m_isInTrouble)
             m_controls.use(m_chance);
     };
 }
@@ -214,6 +214,7 @@ bool SimulatedRun::runUntil(Condition &&condition, qint64 latestMs)
 
 void SimulatedRun::makeTrouble(qint64 endMs)
 {
+    m_isInTrouble = true;
     drawTimes();
     // An answer with the wrong id 9F, which has to stand twice, is nothing that the simpler reader knows.
     m_link.receiving().expectWellFormed(!m_kinds.damages() && !m_kinds.answers);
@@ -231,6 +232,7 @@ void SimulatedRun::makeTrouble(qint64 endMs)
         *next += m_chance.gapMs(m_paceMs[happening]);
     }
     runUntil(endMs);
+    m_isInTrouble = false;
     m_box.setFaults({}, {}, m_nowMs);
 }
 

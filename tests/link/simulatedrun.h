@@ -77,5 +77,6 @@ private:
     std::array<double, kHappenings> m_paceMs; ///< on average; 0: never
     std::array<qint64, kHappenings> m_nextMs;
     qint64 m_floodEndMs = 0;
-    bool m_reactsToLink = false;
+    bool m_reactsToLink = false; ///< the user interface: uses a control as soon as the link is up
+    bool m_isInTrouble = false;
 };

@@ -137,6 +137,12 @@ void LinkRulesTest::addLimits()
         s.rules.commandGiven(kOne);
         s.rules.settled();
     });
+    add("a 66th command sends the first again", "commands never grow the cache past 65", [](Sending &s) {
+        for (int i = 0; i < 65; ++i)
+            s.sendAt(0, kOne);
+        s.rules.commandGiven(kOne);
+        s.rules.frameWritten(kOne);
+    });
     add("a frame that nobody gave is sent", "only the head of the cache is on the wire",
         [](Sending &s) { s.rules.frameWritten(kOne); });
     add("a frame that waits is sent", "first in, first out", [](Sending &s) {
