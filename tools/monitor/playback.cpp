@@ -136,7 +136,8 @@ void Playback::join()
     route(&CanbusProtocol::notifyParingAssistInfo, &CanBusPlayer::onParingAssistInfo);
     route(&CanbusProtocol::notifyScreensTransition, &CanBusPlayer::onChangeDsp);
     route(&CanbusProtocol::notifyTextScreen, &CanBusPlayer::onTextScreen);
-    for (const Target &target : allTargets(m_host.get()))
+    const Targets targets = allTargets(m_host.get());
+    for (const Target &target : targets)
         m_spy.watch(target.name, target.object);
     if (m_options.wantsStats)
         m_spy.watch(QStringLiteral("link"), m_protocol->linkHealth());
