@@ -2,8 +2,8 @@
 
 #include <virtualtime.h>
 
+#include <ctime>
 #include <sys/syscall.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace {
