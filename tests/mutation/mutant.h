@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 
-// Included before everything else in the build of the mutants: the sources that mutate.py writes ask here which
-// change they are to show.
+// Included before everything else in the build of the mutants: the sources that mutate.py writes ask here
+// which change they are to show.
 
 /// The number in CANBUS_MUTANT, read once; 0, which no mutant has, without it.
 inline const int kCanbusMutant = std::getenv("CANBUS_MUTANT") ? std::atoi(std::getenv("CANBUS_MUTANT")) : 0;
