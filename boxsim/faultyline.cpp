@@ -101,7 +101,7 @@ QByteArray FaultyLine::withWrongCheck(const QByteArray &frame)
     const quint8 right = quint8(content.back());
     const quint8 wrong = quint8(right ^ (1 + m_frames.below(255)));
     content.back() = char(wrong);
-    const QByteArray made = opening + escaped(content) + closing;
+    QByteArray made = opening + escaped(content) + closing;
     tell(QStringLiteral("wrong check byte: %1 became %2").arg(hex(right), hex(wrong)), made);
     return made;
 }

@@ -21,7 +21,7 @@ constexpr qint64 kUsPerMs = 1000;
 constexpr qint64 kDisorderUs = 1000 * kUsPerMs;
 
 /// A head unit that is connected speaks every 15 seconds at least.
-constexpr qint64 kLongestPauseUs = 3600 * 1000 * kUsPerMs;
+constexpr qint64 kLongestPauseUs = qint64 {3600} * 1000 * kUsPerMs;
 
 constexpr qint64 kShortestLoopGapMs = 20;
 
