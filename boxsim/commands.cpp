@@ -277,7 +277,8 @@ QVector<CommandForm> makeCommandForms()
         QVector<ArgumentForm> arguments;
         for (const Field &field : row.fields)
             arguments.append(formOf(field));
-        for (const QString &name : namesOf(row))
+        const QStringList names = namesOf(row);
+        for (const QString &name : names)
             forms.append({name, arguments});
     }
     constexpr auto hexText = ArgumentForm::Kind::Hex;
