@@ -13,6 +13,7 @@ private Q_SLOTS:
     void readsAByteWithoutSign();
     void readsZeroOutsideTheArray_data();
     void readsZeroOutsideTheArray();
+    void readsZeroWhereBytesOfOthersStand();
     void readsTheFirstByte();
     void readsSixteenBitsMostSignificantFirst_data();
     void readsSixteenBitsMostSignificantFirst();
@@ -54,6 +55,15 @@ void TestBytes::readsZeroOutsideTheArray()
     QFETCH(QByteArray, data);
     QFETCH(int, index);
     QCOMPARE(int(byteAt(data, index)), 0);
+}
+
+void TestBytes::readsZeroWhereBytesOfOthersStand()
+{
+    const char memory[] = {0x11, 0x22, 0x33};
+    const QByteArray middle = QByteArray::fromRawData(memory + 1, 1);
+    QCOMPARE(int(byteAt(middle, -1)), 0);
+    QCOMPARE(int(byteAt(middle, 0)), 0x22);
+    QCOMPARE(int(byteAt(middle, 1)), 0);
 }
 
 void TestBytes::readsTheFirstByte()

@@ -123,6 +123,7 @@ void ReceivePathTest::findsTheClosingMark_data()
     QTest::newRow("nothing without a start") << bytes("9f 03 9f") << -1 << -1 << false;
     QTest::newRow("behind the frame") << bytes("9f 02 21 9f 03 41") << 2 << 5 << false;
     QTest::newRow("directly behind the opening mark") << bytes("9f 02 9f 03") << 2 << 4 << false;
+    QTest::newRow("at the very beginning") << bytes("9f 03 41") << 0 << 2 << false;
     QTest::newRow("not before the start") << bytes("9f 03 9f 02 21") << 4 << -1 << false;
     QTest::newRow("not across the start") << bytes("9f 03 21") << 1 << -1 << false;
     QTest::newRow("a doubled escape followed by 03 ends a frame")
@@ -213,6 +214,7 @@ void ReceivePathTest::comparesTheCheckByte_data()
         << bytes("9f 02 9f 03") << 2 << 4 << false << 0x00;
     QTest::newRow("three bytes are too few") << bytes("00 9f 03") << 0 << 3 << false << 0x00;
     QTest::newRow("four bytes are enough") << bytes("00 00 9f 03") << 0 << 4 << true << 0x00;
+    QTest::newRow("a check byte at the very beginning") << bytes("00 9f 03 41") << 0 << 3 << true << 0x00;
     QTest::newRow("no start") << bytes("21 21 9f 03") << -1 << 4 << false << 0x00;
     QTest::newRow("no end") << bytes("21 21 9f 03") << 0 << -1 << false << 0x00;
 }
@@ -243,6 +245,8 @@ void ReceivePathTest::takesThePayload_data()
     QTest::newRow("another byte in the check byte's place is payload")
         << bytes("01 23 9f 03") << 0x22 << bytes("01 23 9f 03") << bytes("");
     QTest::newRow("two bytes are payload") << bytes("9f 03") << 0x22 << bytes("9f 03") << bytes("");
+    QTest::newRow("two bytes are payload also when the check byte is 0")
+        << bytes("9f 03") << 0x00 << bytes("9f 03") << bytes("");
     QTest::newRow("one byte is payload") << bytes("03") << 0x22 << bytes("03") << bytes("");
     QTest::newRow("nothing at all") << bytes("") << 0x22 << bytes("") << bytes("");
     QTest::newRow("a check byte with the high bit set")

@@ -341,6 +341,8 @@ void VelCanBusProtocolTest::answersTheLoopBackTest_data()
     QTest::newRow("a difference after the first byte of a longer text")
         << QByteArray("19131415161718") << true;
     QTest::newRow("the whole text and a byte more") << QByteArray("1213141516171") << false;
+    QTest::newRow("the whole text and a zero byte")
+        << bytes("31 32 31 33 31 34 31 35 31 36 31 37 00") << false;
     QTest::newRow("the whole text twice") << QByteArray("121314151617121314151617") << false;
     QTest::newRow("another first byte") << QByteArray("2") << false;
     QTest::newRow("the text behind another byte") << QByteArray("0121314151617") << false;
