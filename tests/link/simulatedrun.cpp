@@ -33,7 +33,6 @@ boxsim::Instruction instruction(Kind kind, const QByteArray &bytes = {})
 
 SimulatedRun::SimulatedRun(ParkedHeadUnit &headUnit, quint32 seed, Trace &trace)
     : m_chance(seed)
-    , m_headUnit(headUnit)
     , m_trace(trace)
     , m_link(headUnit, trace)
     , m_box(m_chance.seed(), trace)

@@ -63,7 +63,6 @@ private:
     bool isConnected() const;
 
     Chance m_chance;
-    ParkedHeadUnit &m_headUnit;
     Trace &m_trace;
     WholeLink m_link;
     BoxSide m_box;

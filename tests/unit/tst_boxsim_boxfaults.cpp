@@ -34,12 +34,6 @@ class TestBoxsimBoxFaults : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void saysNotReadyAsOftenAsItIsTold();
-    void saysNotReadyFromTheMomentThatItIsTold();
-    void reportsAChangeOfItsReadinessUnasked();
-    void answersConnectRequestsAsReadyAsItIs();
-    void saysAfterARestartWhetherItIsReady();
-    void leavesItsReadinessToARecording();
     void dropsTheFirstAnswersAndCarriesTheCommandOut();
     void dropsAllAnswers();
     void answersNegatively();
@@ -57,95 +51,6 @@ private Q_SLOTS:
     void onlyAnswersWhereARecordingSpeaksForIt();
     void saysReadyForARecordingThatDoesNot();
 };
-
-void TestBoxsimBoxFaults::saysNotReadyAsOftenAsItIsTold()
-{
-    Faults faults;
-    faults.notReadyReplies = 2;
-    Bench bench({}, faults);
-
-    bench.receive(0, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 40 01 00 00 00 41 9f 03")}));
-    bench.receive(2000, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 41 01 00 00 00 40 9f 03")}));
-    bench.receive(4000, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 42 01 00 00 01 42 9f 03")}));
-}
-
-void TestBoxsimBoxFaults::saysNotReadyFromTheMomentThatItIsTold()
-{
-    Bench bench;
-    bench.connectAndSettle();
-    Faults faults;
-    faults.notReadyReplies = 1;
-
-    bench.setFaults(faults);
-    bench.receive(1000, kConnectRequest);
-
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 41 01 00 00 00 40 9f 03")}));
-    QCOMPARE(bench.box.state().faults.notReadyReplies, 0);
-}
-
-void TestBoxsimBoxFaults::reportsAChangeOfItsReadinessUnasked()
-{
-    Bench bench;
-    bench.connectAndSettle();
-
-    bench.setReady(false);
-    bench.advance(1000);
-    QCOMPARE(bench.writes(), QStringList {wire("9f 02 41 01 00 00 00 40 9f 03")});
-    bench.receive(1001, "9f 06 41 41 9f 03");
-    bench.setReady(false);
-    bench.advance(1500);
-    QCOMPARE(bench.writes(), QStringList());
-    bench.setReady(true);
-    bench.advance(2000);
-    QCOMPARE(bench.writes(), QStringList {wire("9f 02 42 01 00 00 01 42 9f 03")});
-    QVERIFY(bench.box.isLinkUp());
-}
-
-void TestBoxsimBoxFaults::answersConnectRequestsAsReadyAsItIs()
-{
-    Bench bench;
-    bench.setReady(false);
-    bench.advance(0);
-    QCOMPARE(bench.writes(), QStringList()); // nobody has been heard
-
-    bench.receive(10, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 40 01 00 00 00 41 9f 03")}));
-    bench.receive(2000, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 41 01 00 00 00 40 9f 03")}));
-    bench.receive(2001, "9f 06 41 41 9f 03");
-    bench.setReady(true);
-    bench.advance(2100);
-    QCOMPARE(bench.writes(), QStringList {wire("9f 02 42 01 00 00 01 42 9f 03")});
-    bench.receive(4000, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList({wire(kAckOfRequest), wire("9f 02 43 01 00 00 01 43 9f 03")}));
-}
-
-void TestBoxsimBoxFaults::saysAfterARestartWhetherItIsReady()
-{
-    Bench bench;
-    bench.setReady(false);
-
-    bench.restart(0);
-
-    QCOMPARE(bench.writes(), QStringList {wire("9f 02 40 01 00 00 00 41 9f 03")});
-}
-
-void TestBoxsimBoxFaults::leavesItsReadinessToARecording()
-{
-    boxsim::BoxOptions replayed;
-    replayed.saysReady = false;
-    Bench bench(replayed);
-    bench.receive(0, kConnectRequest);
-    QCOMPARE(bench.writes(), QStringList {wire(kAckOfRequest)});
-
-    bench.setReady(false);
-    bench.advance(1000);
-
-    QCOMPARE(bench.writes(), QStringList());
-}
 
 void TestBoxsimBoxFaults::dropsTheFirstAnswersAndCarriesTheCommandOut()
 {

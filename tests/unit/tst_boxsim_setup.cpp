@@ -85,6 +85,9 @@ void TestBoxsimSetup::takesWhatTheOptionsSay()
     options.seed = 99;
     options.speed = 2.5;
     options.silentAfterMs = 1234;
+    options.restartAfterMs = 2345;
+    options.hangUpAfterMs = 3456;
+    options.hangUpForMs = 4567;
     options.faults.noise = 3;
     options.scenario = fileWith(R"({"steps":[{"note":"a"}]})");
 
@@ -94,6 +97,9 @@ void TestBoxsimSetup::takesWhatTheOptionsSay()
     QVERIFY(!setup.bench.tellsSeed);
     QCOMPARE(setup.bench.speed, 2.5);
     QCOMPARE(setup.bench.silentAfterMs, qint64(1234));
+    QCOMPARE(setup.bench.restartAfterMs, qint64(2345));
+    QCOMPARE(setup.bench.hangUpAfterMs, qint64(3456));
+    QCOMPARE(setup.bench.hangUpForMs, 4567);
     QCOMPARE(setup.bench.faults.noise, 3.0);
 }
 
