@@ -35,7 +35,13 @@ public:
     /// Ends the standard input.
     void closeInput() { m_process.closeWriteChannel(); }
 
-    void signal(int number) { ::kill(pid_t(m_process.processId()), number); }
+    /// To a process that has ended it does nothing: its number is 0 then, which would mean the whole group,
+    /// the test runner with it.
+    void signal(int number)
+    {
+        if (const qint64 id = m_process.processId(); id > 0)
+            ::kill(pid_t(id), number);
+    }
 
     /// All lines of standard output so far.
     const QVector<QByteArray> &lines()

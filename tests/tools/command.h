@@ -56,7 +56,13 @@ public:
             return -1;
         return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
-    void sendSignal(int signal) { ::kill(pid_t(process.processId()), signal); }
+    /// To a process that has ended it does nothing: its number is 0 then, which would mean the whole group,
+    /// the test runner with it.
+    void sendSignal(int signal)
+    {
+        if (const qint64 id = process.processId(); id > 0)
+            ::kill(pid_t(id), signal);
+    }
 
     QProcess process;
 
