@@ -31,6 +31,12 @@ QString notConnected()
     return QStringLiteral("not connected");
 }
 
+/// Whether the port's last read has found nothing to read, which the port takes for the loss of its device.
+bool hasFoundNothing(const QSerialPort &port)
+{
+    return port.errorString() == qt_error_string(EAGAIN);
+}
+
 } // namespace
 
 SerialPort::SerialPort(QObject *parent)
@@ -107,6 +113,7 @@ void SerialPort::handleError()
         giveUpWriting();
     if (code != QSerialPort::ResourceError && code != QSerialPort::ReadError)
         return;
+    const bool isFalseAlarm = hasFoundNothing(*m_port);
     const LineState state = examineLine();
     if (state == LineState::Lost) {
         goSilent();
@@ -117,7 +124,7 @@ void SerialPort::handleError()
     // A loss is reported once for each connection to this slot, however often the port repeats itself.
     const bool isReported = state == LineState::Lost
         ? m_reportedLosses < m_opens
-        : state == LineState::Readable && code == QSerialPort::ResourceError;
+        : state == LineState::Readable && code == QSerialPort::ResourceError && !isFalseAlarm;
     if (!isReported)
         return;
     if (state == LineState::Lost)
@@ -148,6 +155,7 @@ void SerialPort::onReadyRead()
     QByteArray data;
     while (m_port->bytesAvailable() > 0)
         data += m_port->readAll();
+    m_hasRead = true;
     if (data.isEmpty()) {
         CANBUS_DEBUG() << "buf is empty.";
         return;
@@ -182,7 +190,11 @@ void SerialPort::write(const char *bytes, int size, const logging::Origin &origi
         return;
     }
     m_isStuck = false;
-    if (writeAndWait(bytes, size))
+    m_hasRead = false;
+    const bool isTaken = writeAndWait(bytes, size);
+    if (m_hasRead && !m_lost)
+        forgetReadable();
+    if (isTaken)
         return;
     CANBUS_ERROR_AT(origin) << "write error";
     // When it was this write that found the line lost, handleError() has said so.
@@ -238,6 +250,14 @@ void SerialPort::giveUpWriting()
         return; // a line that is full, and something else that has failed
     m_hasGivenUp = true;
     enableNotifiers(QSocketNotifier::Write, false);
+}
+
+/// What the wait for a write has read may still be announced by the event loop, which has looked at the line
+/// before: the port would read nothing, and report that as an error.
+void SerialPort::forgetReadable()
+{
+    enableNotifiers(QSocketNotifier::Read, false);
+    enableNotifiers(QSocketNotifier::Read, true);
 }
 
 void SerialPort::goOnListening()

@@ -95,6 +95,7 @@ private:
     void deliver(const QByteArray &data);
     LineState examineLine();
     void giveUpWriting();
+    void forgetReadable();
     void goOnListening();
     void goSilent();
     void enableNotifiers(int type, bool isEnabled);
@@ -104,6 +105,7 @@ private:
     int m_reportedLosses = 0; // since the port was last opened
     bool m_lost = false;
     bool m_isWriting = false;
+    bool m_hasRead = false;    // since the last write began
     bool m_hasGivenUp = false; // a block that the port has failed twice to write, and has kept
     bool m_isStuck = false;
     std::atomic<bool> m_hasStopped {false};

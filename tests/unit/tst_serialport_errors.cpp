@@ -72,6 +72,8 @@ private Q_SLOTS:
     void listensOnAfterAFalseAlarm_data();
     void listensOnAfterAFalseAlarm();
     void reportsAResourceErrorOfALineThatCanBeRead();
+    void takesAReadThatFoundNothingForAFalseAlarm();
+    void readsWithoutAnErrorWhatComesWhileItWrites();
     void onlyLogsAnotherError();
 };
 
@@ -188,6 +190,40 @@ void TestSerialPortErrors::reportsAResourceErrorOfALineThatCanBeRead()
     QCOMPARE(it.read.at(0).at(0).toByteArray(), bytes("01 02"));
     QVERIFY(line.send(bytes("03")));
     QTRY_COMPARE(it.read.size(), 2);
+}
+
+void TestSerialPortErrors::takesAReadThatFoundNothingForAFalseAlarm()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    failReads(it, EAGAIN, 1);
+    QVERIFY(line.send(bytes("01 02")));
+    QTRY_COMPARE(it.allRead(), bytes("01 02"));
+    QCOMPARE(log.messages("[ERR]"), QStringList {"9"});
+    QCOMPARE(it.error.size(), 0);
+    QVERIFY(line.send(bytes("03")));
+    QTRY_COMPARE(it.allRead(), bytes("01 02 03"));
+}
+
+void TestSerialPortErrors::readsWithoutAnErrorWhatComesWhileItWrites()
+{
+    PseudoTerminal line;
+    RecordedPort it;
+    QVERIFY(it.port.open(line.name(), kBaud));
+    LogRecorder log;
+    QByteArray sent;
+    for (int count = 0; count < 50; ++count) {
+        // One turn of the event loop finds both: bytes to read, and a block to write, whose wait reads them.
+        QVERIFY(line.send(bytes("01 02")));
+        QMetaObject::invokeMethod(&it.port, "writeData", Qt::QueuedConnection,
+                                  Q_ARG(QByteArray, bytes("04")));
+        sent += bytes("01 02");
+        QTRY_COMPARE(it.allRead(), sent);
+    }
+    QCOMPARE(log.messages("[ERR]"), QStringList());
+    QCOMPARE(it.error.size(), 0);
 }
 
 void TestSerialPortErrors::onlyLogsAnotherError()
