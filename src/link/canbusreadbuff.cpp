@@ -4,8 +4,10 @@ namespace canbus {
 
 CanBusReadBuff *CanBusReadBuff::instance()
 {
-    static CanBusReadBuff buffer;
-    return &buffer;
+    // Never destroyed: a slot that calls exit() on the parser thread holds the mutex until the process is
+    // gone.
+    static CanBusReadBuff *const buffer = new CanBusReadBuff;
+    return buffer;
 }
 
 } // namespace canbus

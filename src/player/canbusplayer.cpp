@@ -23,6 +23,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMetaEnum>
 #include <QtCore/QPointer>
+#include <QtCore/QSemaphore>
 #include <QtCore/QThread>
 
 #include <datetimemanager.h>
@@ -43,6 +44,7 @@ namespace {
 
 constexpr int kFirstSyncMs = 1000;
 constexpr int kMinuteMs = 60000;
+constexpr int kLastWritesMs = 50; // for what waits to be written to the line before the one to be opened
 
 // Displays, events and touches of the host, by the numbers that it knows them by. What they mean is its own
 // business.
@@ -120,8 +122,17 @@ bool CanBusPlayerPrivate::openPort()
     if (serialPort->thread() == QThread::currentThread())
         return serialPort->open(portName, baudRate);
     bool opened = false;
-    const auto open = [this, &opened] { opened = serialPort->open(portName, baudRate); };
-    QMetaObject::invokeMethod(serialPort, open, Qt::BlockingQueuedConnection);
+    QSemaphore done;
+    const auto open = [&] {
+        opened = serialPort->open(portName, baudRate);
+        done.release();
+    };
+    QMetaObject::invokeMethod(serialPort, open, Qt::QueuedConnection);
+    if (!done.tryAcquire(1, kLastWritesMs)) {
+        serialPort->stopWriting();
+        done.acquire();
+        serialPort->resumeWriting();
+    }
     return opened;
 }
 

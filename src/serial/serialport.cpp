@@ -61,6 +61,11 @@ void SerialPort::stopWriting()
     m_hasStopped = true;
 }
 
+void SerialPort::resumeWriting()
+{
+    m_hasStopped = false;
+}
+
 bool SerialPort::open(QString portName, int baudRate)
 {
     CANBUS_DEBUG() << "using port:" << portName << baudRate;

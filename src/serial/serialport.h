@@ -37,9 +37,11 @@ public:
 
     bool isOpen() const;
 
-    /// Lets the port drop all that is written, without a word, until it is opened again: for a thread that is
-    /// to end while many blocks wait for a line that takes none. Usable on every thread.
+    /// Lets the port drop all that is written, without a word, until it is opened again or resumeWriting():
+    /// for a thread that is to end, or to open another line, while many blocks wait for one that takes none.
+    /// Usable on every thread.
     void stopWriting();
+    void resumeWriting();
 
 Q_SIGNALS:
     /// The port is open. @param portName  as it was asked for

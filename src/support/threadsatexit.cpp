@@ -1,6 +1,7 @@
 #include "threadsatexit.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QMutex>
 #include <QtCore/QThread>
 
@@ -12,9 +13,9 @@ namespace canbus::threadsAtExit {
 
 namespace {
 
-/// How long an exiting process waits for one thread: one that is held up by the host's own code must not
+/// How long an exiting process waits for all threads: those that are held up by the host's own code must not
 /// hold up the exit.
-constexpr unsigned long kLongestWaitMs = 400;
+constexpr int kLongestWaitMs = 400;
 
 struct Entry {
     QThread *thread;
@@ -42,9 +43,10 @@ void endAll()
     }
     for (const Entry &entry : ending)
         entry.requestEnd();
+    const QDeadlineTimer deadline(kLongestWaitMs);
     for (const Entry &entry : ending) {
         if (entry.thread != QThread::currentThread())
-            entry.thread->wait(kLongestWaitMs);
+            entry.thread->wait(deadline);
     }
 }
 

@@ -133,6 +133,14 @@ void leavesAThreadThatDoesNotEnd()
     threadsAtExit::add(g_worker, [] { say("asked "); });
 }
 
+void leavesTenThreadsThatDoNotEnd()
+{
+    for (int count = 0; count < 10; ++count) {
+        g_worker = startedWorker();
+        threadsAtExit::add(g_worker, [] { say("asked "); });
+    }
+}
+
 void endsOnARegisteredThread()
 {
     static QThread *const exiting = QThread::create([] { std::exit(0); });
@@ -205,16 +213,18 @@ private Q_SLOTS:
     void endsTheThreadsOfASecondApplicationObject();
     void leavesAForgottenThreadAlone();
     void exitsInSpiteOfAThreadThatDoesNotEnd();
+    void waitsForThreadsThatDoNotEndTogether();
     void doesNotWaitForTheThreadThatExits();
     void holdsNoLockWhileAThreadIsAsked();
 
 private:
-    static Outcome s_destroyed, s_left, s_younger, s_second, s_forgotten, s_stuck, s_own, s_nested;
+    static Outcome s_destroyed, s_left, s_younger, s_second, s_forgotten, s_stuck, s_allStuck, s_own,
+        s_nested;
 };
 
 Outcome TestThreadsAtExit::s_destroyed, TestThreadsAtExit::s_left, TestThreadsAtExit::s_younger,
     TestThreadsAtExit::s_second, TestThreadsAtExit::s_forgotten, TestThreadsAtExit::s_stuck,
-    TestThreadsAtExit::s_own, TestThreadsAtExit::s_nested;
+    TestThreadsAtExit::s_allStuck, TestThreadsAtExit::s_own, TestThreadsAtExit::s_nested;
 
 void TestThreadsAtExit::initMain()
 {
@@ -224,6 +234,7 @@ void TestThreadsAtExit::initMain()
     s_second = outcomeOf(addsAThreadInASecondApplication);
     s_forgotten = outcomeOf(forgetsAThread);
     s_stuck = outcomeOf(leavesAThreadThatDoesNotEnd);
+    s_allStuck = outcomeOf(leavesTenThreadsThatDoNotEnd);
     s_own = outcomeOf(endsOnARegisteredThread);
     s_nested = outcomeOf(takesAThreadOffTheListWhileEnding);
 }
@@ -264,6 +275,14 @@ void TestThreadsAtExit::exitsInSpiteOfAThreadThatDoesNotEnd()
     QCOMPARE(s_stuck.output, QByteArray("asked "));
     QCOMPARE(s_stuck.status, 0);
     QVERIFY2(s_stuck.elapsedMs < 20000, qPrintable(QString::number(s_stuck.elapsedMs)));
+}
+
+void TestThreadsAtExit::waitsForThreadsThatDoNotEndTogether()
+{
+    QCOMPARE(s_allStuck.output.count("asked "), 10);
+    QCOMPARE(s_allStuck.status, 0);
+    // One after the other would take four seconds.
+    QVERIFY2(s_allStuck.elapsedMs < 2500, qPrintable(QString::number(s_allStuck.elapsedMs)));
 }
 
 void TestThreadsAtExit::doesNotWaitForTheThreadThatExits()

@@ -1,0 +1,63 @@
+#include <hexbytes.h>
+#include <logrecorder.h>
+#include <playerrig.h>
+#include <pseudoterminal.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtTest/QtTest>
+
+#include <atomic>
+
+using namespace canbus;
+
+/// A second init(), as after a lost line, on the thread of the user interface.
+class CanBusPlayerReopenTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void opensAnotherLineWithoutWaitingForBlocksThatWait();
+    void writesWhatWaitsToALineThatTakesIt();
+};
+
+void CanBusPlayerReopenTest::opensAnotherLineWithoutWaitingForBlocksThatWait()
+{
+    const LogRecorder quiet;
+    PlayerRig rig;
+    rig.start();
+    std::atomic<int> late {0};
+    QObject::connect(
+        rig.port(), &SerialPort::error, rig.port(), [&] { ++late; }, Qt::DirectConnection);
+    // Nobody reads the line.
+    while (late == 0) {
+        Q_EMIT rig.protocol.onWritPortData(QByteArray(1000, '\x55'));
+        QThread::msleep(1);
+    }
+    for (int count = 0; count < 50; ++count)
+        Q_EMIT rig.protocol.onWritPortData(bytes("9f 06 21 21 9f 03"));
+
+    PseudoTerminal other;
+    rig.player.setUartPort(other.name(), 57600);
+    QElapsedTimer clock;
+    clock.start();
+    rig.player.init(nullptr);
+    // All fifty would take five seconds.
+    QVERIFY2(clock.elapsed() < 2500, qPrintable(QString::number(clock.elapsed())));
+
+    Q_EMIT rig.protocol.onWritPortData(bytes("9f 06 42 42 9f 03"));
+    QTRY_COMPARE(other.received(), bytes("9f 06 42 42 9f 03"));
+}
+
+void CanBusPlayerReopenTest::writesWhatWaitsToALineThatTakesIt()
+{
+    PlayerRig rig;
+    rig.start();
+    PseudoTerminal other;
+    rig.player.setUartPort(other.name(), 57600);
+    Q_EMIT rig.protocol.onWritPortData(bytes("9f 06 21 21 9f 03"));
+    rig.player.init(nullptr);
+    QTRY_COMPARE(rig.line.received(), bytes("9f 06 21 21 9f 03"));
+    QCOMPARE(other.received(), QByteArray());
+}
+
+QTEST_GUILESS_MAIN(CanBusPlayerReopenTest)
+#include "tst_canbusplayer_reopen.moc"
