@@ -234,10 +234,8 @@ void CanBusPlayer::startWorkerThread()
 {
     if (thread->isRunning())
         return;
-    // The port's thread appends to the buffer and logs: both must be there before the thread is registered
-    // for the exit.
+    // The port's thread appends to the buffer: it must be there before the thread is registered for the exit.
     CanBusReadBuff::instance();
-    QLoggingCategory::defaultCategory();
     QThread *const worker = thread;
     worker->start(QThread::InheritPriority);
     // The thread ends when it has carried out what is posted to it, which on a line that takes nothing is a
@@ -246,6 +244,11 @@ void CanBusPlayer::startWorkerThread()
         port->stopWriting();
         worker->quit();
     });
+}
+
+CanbusProtocol *CanBusPlayer::protocol() const
+{
+    return d->protocol;
 }
 
 void CanBusPlayer::setUartPort(const QString &port, int baud)
@@ -429,6 +432,11 @@ void CanBusPlayer::getTextScreenInfo()
     // A screen with a single text is not announced again.
     if (d->menuList.size() > 3 && d->menuTexts.size() > 1)
         Q_EMIT updateMenuInfo(d->menuList, d->menuMinus, d->menuPlus, d->menuTexts);
+}
+
+CanBusPlayer::TextScreen CanBusPlayer::textScreen() const
+{
+    return {d->menuList, d->menuMinus, d->menuPlus, d->menuTexts};
 }
 
 void CanBusPlayer::onMenuPress(int menu, int item, int action)

@@ -41,6 +41,14 @@ public:
     /// Made on first use, destroyed when the process exits.
     static CanBusPlayer *instance();
 
+    /// The box's menu or text screen: what updateMenuInfo() announces.
+    struct TextScreen {
+        QList<int> menu; ///< four identifiers 0..255; empty before the box has shown one
+        bool minus = false;
+        bool plus = false;
+        QStringList texts;
+    };
+
     explicit CanBusPlayer(QObject *parent = nullptr);
     ~CanBusPlayer() override;
 
@@ -51,6 +59,10 @@ public:
     /// @param protocol  the host's, who may delete it, on the main thread, and call init() with a new one;
     ///   null is logged as an error, and leaves the open port without a protocol
     void init(CanbusProtocol *protocol);
+
+    /// The protocol that is joined to the port: null before the first init() that has opened it, and once the
+    /// host has deleted it.
+    CanbusProtocol *protocol() const;
 
     /// Sets the serial device for the next init().
     /// @param port  for example "/dev/ttyS3", the default
@@ -66,6 +78,9 @@ public:
     /// Emits updateMenuInfo() with the text screen as it is, if it has more than one text: for a UI that has
     /// bound late.
     Q_INVOKABLE void getTextScreenInfo();
+
+    /// The text screen as it is, one with a single text too.
+    TextScreen textScreen() const;
 
     /// Sends a press on the text screen. The low byte of each argument is sent as it is.
     Q_INVOKABLE void onMenuPress(int menu, int item, int action);
