@@ -1,0 +1,61 @@
+#pragma once
+
+#include "receivepath.h"
+#include "velcanbusprotocol.h"
+
+namespace bench {
+
+/// The receive core: the steps of a pass as the protocol has them, without what they tell others.
+class ReceiveCore {
+public:
+    QByteArray buffer;
+
+    canbus::receive::Pass pass() { return canbus::receive::runPass(buffer, *this); }
+
+    const canbus::FrameDataFormat &decoded() const { return m_decoded; }
+
+    int onSearchDLE()
+    {
+        const canbus::receive::Start start = canbus::receive::findStart(buffer);
+        m_markers = start.markers;
+        return start.index;
+    }
+
+    int onSearchDLE_ETX(int start) { return canbus::receive::findEnd(buffer, start).index; }
+
+    void onRemoveEscapeFrameHeaders(int start, int end) { canbus::receive::unescape(buffer, start, end); }
+
+    bool checkXOR(int start, int end)
+    {
+        m_decoded.clear();
+        const canbus::receive::Check check = canbus::receive::checkFrame(buffer, start, end);
+        m_decoded.CS = check.computed;
+        return check.holds;
+    }
+
+    void onProcessingFrameData(int start, int end)
+    {
+        const int from = std::clamp(start, 0, buffer.size());
+        m_frameBytes = buffer.mid(from, std::clamp(end, from, buffer.size()) - from);
+    }
+
+    void onCategoryDataProcessing()
+    {
+        if (!m_markers.stx || m_frameBytes.isEmpty())
+            return;
+        m_decoded.id = m_frameBytes.left(1);
+        m_frameBytes.remove(0, 1);
+        m_decoded.TP = m_frameBytes.left(1);
+        m_frameBytes.remove(0, 1);
+        m_decoded.MOD = m_frameBytes.left(1);
+        m_frameBytes.remove(0, 1);
+        m_decoded.DATA += canbus::receive::takePayload(m_frameBytes, m_decoded.CS);
+    }
+
+private:
+    canbus::receive::Markers m_markers;
+    QByteArray m_frameBytes;
+    canbus::FrameDataFormat m_decoded;
+};
+
+} // namespace bench
