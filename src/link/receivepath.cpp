@@ -3,16 +3,41 @@
 #include "frameformat.h"
 #include "support/bytes.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace canbus::receive {
 
 namespace {
 
-/// The index of the first DLE at or behind `from`, or -1.
-int findEscape(const QByteArray &buffer, int from)
+const quint8 *bytesOf(const QByteArray &buffer)
 {
-    return buffer.indexOf(char(frame::kDle), from);
+    return reinterpret_cast<const quint8 *>(buffer.constData());
+}
+
+/// The first DLE in [from, end), or `end`.
+const quint8 *findEscape(const quint8 *from, const quint8 *end)
+{
+    // Escapes come in runs, and a call for each would cost more than a look.
+    if (from != end && *from == frame::kDle)
+        return from;
+    const void *const found = std::memchr(from, frame::kDle, size_t(end - from));
+    return found ? static_cast<const quint8 *>(found) : end;
+}
+
+/// The index of the first DLE DLE whose first byte lies in [start, end), or -1.
+int findPair(const QByteArray &buffer, int start, int end)
+{
+    const int last = std::min(end, buffer.size() - 1);
+    if (start < 0 || start >= last)
+        return -1;
+    const quint8 *const bytes = bytesOf(buffer);
+    const quint8 *const stop = bytes + last;
+    for (const quint8 *at = findEscape(bytes + start, stop); at != stop; at = findEscape(at + 1, stop)) {
+        if (at[1] == frame::kDle)
+            return int(at - bytes);
+    }
+    return -1;
 }
 
 Markers markersFor(quint8 mark)
@@ -28,39 +53,44 @@ Markers markersFor(quint8 mark)
 
 Start findStart(const QByteArray &buffer)
 {
-    for (int i = findEscape(buffer, 0); i != -1 && i + 1 < buffer.size(); i = findEscape(buffer, i + 1)) {
-        const Markers markers = markersFor(byteAt(buffer, i + 1));
+    const quint8 *const bytes = bytesOf(buffer);
+    const quint8 *const end = bytes + buffer.size();
+    for (const quint8 *at = findEscape(bytes, end); end - at > 1; at = findEscape(at + 1, end)) {
+        const Markers markers = markersFor(at[1]);
         if (markers.nack || markers.ack || markers.stx)
-            return {i + 2, markers};
+            return {int(at - bytes) + kMarkSize, markers};
     }
     return {};
 }
 
 End findEnd(const QByteArray &buffer, int start)
 {
-    if (start < 0)
+    if (start < 0 || start > buffer.size())
         return {};
-    for (int i = findEscape(buffer, start); i != -1; i = findEscape(buffer, i + 1)) {
-        if (i + 1 == buffer.size())
+    const quint8 *const bytes = bytesOf(buffer);
+    const quint8 *const end = bytes + buffer.size();
+    for (const quint8 *at = findEscape(bytes + start, end); at != end; at = findEscape(at + 1, end)) {
+        if (end - at == 1)
             return {-1, true};
-        if (byteAt(buffer, i + 1) == frame::kEtx)
-            return {i + 2, false};
+        if (at[1] == frame::kEtx)
+            return {int(at - bytes) + kMarkSize, false};
     }
     return {};
 }
 
 void unescape(QByteArray &buffer, int start, int end)
 {
-    if (start < 0 || start >= end || findEscape(buffer, start) == -1)
+    const int pair = findPair(buffer, start, end);
+    if (pair < 0)
         return;
     char *bytes = buffer.data();
     const int size = buffer.size();
-    int from = start;
-    int to = start;
+    int from = pair;
+    int to = pair;
     for (; to < end && from < size; ++to, ++from) {
-        const bool pair =
+        const bool isPair =
             quint8(bytes[from]) == frame::kDle && from + 1 < size && quint8(bytes[from + 1]) == frame::kDle;
-        if (pair)
+        if (isPair)
             ++from;
         bytes[to] = bytes[from];
     }
