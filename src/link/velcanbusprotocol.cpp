@@ -39,11 +39,12 @@ VelCanBusProtocol::VelCanBusProtocol(QObject *parent)
     // The parser thread uses these: they must be there before it is registered for the exit.
     d->countReceivedBytes();
     CanBusDataMap::instance();
-    QLoggingCategory::defaultCategory();
     auto *tickThread = new CanbusTickThread(nullptr, this);
     d->tickThread = tickThread;
     tickThread->start();
-    threadsAtExit::add(tickThread, [tickThread] { tickThread->stop(); });
+    // It posts what is to be written to the port's thread.
+    threadsAtExit::add(
+        tickThread, [tickThread] { tickThread->stop(); }, threadsAtExit::Order::First);
 }
 
 VelCanBusProtocol::~VelCanBusProtocol()

@@ -2,6 +2,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QMutex>
 #include <QtCore/QThread>
 
@@ -13,13 +14,15 @@ namespace canbus::threadsAtExit {
 
 namespace {
 
-/// How long an exiting process waits for all threads: those that are held up by the host's own code must not
-/// hold up the exit.
+/// How long an exiting process waits for all threads, and of that for those that end first: those that are
+/// held up by the host's own code must not hold up the exit.
 constexpr int kLongestWaitMs = 400;
+constexpr int kLongestWaitForFirstMs = 200;
 
 struct Entry {
     QThread *thread;
     std::function<void()> requestEnd;
+    Order order;
 };
 
 struct Registry {
@@ -34,6 +37,18 @@ Registry &registry()
     return *it;
 }
 
+void end(const std::vector<Entry> &entries, Order order, const QDeadlineTimer &deadline)
+{
+    for (const Entry &entry : entries) {
+        if (entry.order == order)
+            entry.requestEnd();
+    }
+    for (const Entry &entry : entries) {
+        if (entry.order == order && entry.thread != QThread::currentThread())
+            entry.thread->wait(deadline);
+    }
+}
+
 void endAll()
 {
     std::vector<Entry> ending;
@@ -41,22 +56,21 @@ void endAll()
         QMutexLocker lock(&registry().mutex);
         ending.swap(registry().entries);
     }
-    for (const Entry &entry : ending)
-        entry.requestEnd();
     const QDeadlineTimer deadline(kLongestWaitMs);
-    for (const Entry &entry : ending) {
-        if (entry.thread != QThread::currentThread())
-            entry.thread->wait(deadline);
-    }
+    end(ending, Order::First, QDeadlineTimer(kLongestWaitForFirstMs));
+    end(ending, Order::Last, deadline);
 }
 
 } // namespace
 
-void add(QThread *thread, std::function<void()> requestEnd)
+void add(QThread *thread, std::function<void()> requestEnd, Order order)
 {
+    // Qt makes what a line is logged with on first use, and destroys it like any other static object.
+    QLoggingCategory::defaultCategory();
+    qFormatLogMessage(QtDebugMsg, QMessageLogContext(), QString());
     {
         QMutexLocker lock(&registry().mutex);
-        registry().entries.push_back({thread, std::move(requestEnd)});
+        registry().entries.push_back({thread, std::move(requestEnd), order});
     }
     // For each thread anew: handlers run in the reverse order of registration, static objects among them.
     std::atexit(endAll);

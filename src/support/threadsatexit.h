@@ -12,9 +12,15 @@ class QThread;
 /// registered. So touch the singletons that a thread uses before adding it.
 namespace canbus::threadsAtExit {
 
-/// Registers a running thread. Usable on every thread.
+/// When a thread ends. Qt lets nobody post to a thread while it ends: its event loop may be gone in between.
+enum class Order {
+    First, ///< one that posts to others: these are told to end when it has ended, or does not in its time
+    Last,
+};
+
+/// Registers a running thread, which may log. Usable on every thread.
 /// @param requestEnd  tells the thread to end, without waiting; called on the exiting thread
-void add(QThread *thread, std::function<void()> requestEnd);
+void add(QThread *thread, std::function<void()> requestEnd, Order order = Order::Last);
 
 /// Forgets a thread that somebody else has ended.
 void remove(QThread *thread);

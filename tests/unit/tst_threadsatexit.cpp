@@ -161,6 +161,43 @@ void takesAThreadOffTheListWhileEnding()
     });
 }
 
+void endsAThreadThatPostsToAnOlderOne()
+{
+    g_worker = startedWorker();
+    threadsAtExit::add(g_worker, [] {
+        say(g_secondWorker->isFinished() ? "asked afterwards " : "asked too early ");
+        g_worker->requestEnd();
+    });
+    g_secondWorker = startedWorker();
+    const auto endSecond = [] {
+        say("the first ");
+        g_secondWorker->requestEnd();
+    };
+    threadsAtExit::add(g_secondWorker, endSecond, threadsAtExit::Order::First);
+}
+
+void leavesAFirstThreadThatDoesNotEnd()
+{
+    g_worker = startedWorker();
+    threadsAtExit::add(
+        g_worker, [] { say("the first "); }, threadsAtExit::Order::First);
+    g_secondWorker = startedWorker();
+    static Witness witness(g_secondWorker);
+    addAsking(g_secondWorker);
+}
+
+void logsWhileThreadsEnd()
+{
+    const auto logged = [] { return qFormatLogMessage(QtDebugMsg, {}, QStringLiteral("logged")); };
+    ::setenv("QT_MESSAGE_PATTERN", "<%{message}>", 1);
+    g_worker = startedWorker();
+    threadsAtExit::add(g_worker, [logged] {
+        say(qPrintable(logged()));
+        g_worker->requestEnd();
+    });
+    logged();
+}
+
 /// What a child process has written, errors included, and how it has ended.
 struct Outcome {
     QByteArray output;
@@ -216,15 +253,19 @@ private Q_SLOTS:
     void waitsForThreadsThatDoNotEndTogether();
     void doesNotWaitForTheThreadThatExits();
     void holdsNoLockWhileAThreadIsAsked();
+    void asksAThreadWhenThoseThatPostToItHaveEnded();
+    void asksTheOthersInSpiteOfAFirstThreadThatDoesNotEnd();
+    void keepsWhatLogLinesAreMadeWithUntilTheThreadsHaveEnded();
 
 private:
     static Outcome s_destroyed, s_left, s_younger, s_second, s_forgotten, s_stuck, s_allStuck, s_own,
-        s_nested;
+        s_nested, s_ordered, s_firstStuck, s_logging;
 };
 
 Outcome TestThreadsAtExit::s_destroyed, TestThreadsAtExit::s_left, TestThreadsAtExit::s_younger,
     TestThreadsAtExit::s_second, TestThreadsAtExit::s_forgotten, TestThreadsAtExit::s_stuck,
-    TestThreadsAtExit::s_allStuck, TestThreadsAtExit::s_own, TestThreadsAtExit::s_nested;
+    TestThreadsAtExit::s_allStuck, TestThreadsAtExit::s_own, TestThreadsAtExit::s_nested,
+    TestThreadsAtExit::s_ordered, TestThreadsAtExit::s_firstStuck, TestThreadsAtExit::s_logging;
 
 void TestThreadsAtExit::initMain()
 {
@@ -237,6 +278,9 @@ void TestThreadsAtExit::initMain()
     s_allStuck = outcomeOf(leavesTenThreadsThatDoNotEnd);
     s_own = outcomeOf(endsOnARegisteredThread);
     s_nested = outcomeOf(takesAThreadOffTheListWhileEnding);
+    s_ordered = outcomeOf(endsAThreadThatPostsToAnOlderOne);
+    s_firstStuck = outcomeOf(leavesAFirstThreadThatDoesNotEnd);
+    s_logging = outcomeOf(logsWhileThreadsEnd);
 }
 
 void TestThreadsAtExit::endsThreadsWithTheApplicationObject()
@@ -296,6 +340,24 @@ void TestThreadsAtExit::holdsNoLockWhileAThreadIsAsked()
 {
     QCOMPARE(s_nested.output, QByteArray("asked "));
     QCOMPARE(s_nested.status, 0);
+}
+
+void TestThreadsAtExit::asksAThreadWhenThoseThatPostToItHaveEnded()
+{
+    QCOMPARE(s_ordered.output, QByteArray("the first asked afterwards "));
+    QCOMPARE(s_ordered.status, 0);
+}
+
+void TestThreadsAtExit::asksTheOthersInSpiteOfAFirstThreadThatDoesNotEnd()
+{
+    QCOMPARE(s_firstStuck.output, QByteArray("the first asked finished "));
+    QCOMPARE(s_firstStuck.status, 0);
+}
+
+void TestThreadsAtExit::keepsWhatLogLinesAreMadeWithUntilTheThreadsHaveEnded()
+{
+    QCOMPARE(s_logging.output, QByteArray("<logged>"));
+    QCOMPARE(s_logging.status, 0);
 }
 
 QTEST_GUILESS_MAIN(TestThreadsAtExit)
