@@ -3,7 +3,6 @@
 #include "devicename.h"
 #include "exitstatus.h"
 #include "hostcontrols.h"
-#include "joinableprotocol.h"
 #include "linereader.h"
 #include "linkhints.h"
 #include "metamethods.h"
@@ -15,11 +14,13 @@
 #include "targets.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QMetaMethod>
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
 #include <QtSerialPort/QSerialPort>
 
 #include <canbusplayer.h>
+#include <velcanbusprotocol.h>
 
 #include <utility>
 
@@ -42,6 +43,18 @@ QString openError(const QString &device, int baud)
     if (port.open(QIODevice::ReadWrite))
         return QStringLiteral("it was not free a moment ago: try again");
     return QStringLiteral("%1: name the box's device with --port").arg(port.errorString());
+}
+
+/// Whether the facade has joined itself to the protocol: it does so if it could open the port, and has no
+/// other way of telling. Asked from outside, since a derived protocol would be half gone when the parser
+/// thread ends.
+bool isJoined(const VelCanBusProtocol &protocol)
+{
+    struct Peek : QObject {
+        using QObject::isSignalConnected;
+    };
+    const auto isConnected = &Peek::isSignalConnected;
+    return (protocol.*isConnected)(QMetaMethod::fromSignal(&CanbusProtocol::notifyCanbusStatus));
 }
 
 } // namespace
@@ -147,11 +160,11 @@ int Monitor::closeRecording(int status)
 bool Monitor::openPort()
 {
     CanBusPlayer::instance()->setUartPort(m_options.port, m_options.baud);
-    m_protocol = std::make_unique<JoinableProtocol>();
+    m_protocol = std::make_unique<VelCanBusProtocol>();
     if (m_recorder)
         Recorder::start(m_recorder, m_protocol.get());
     CanBusPlayer::instance()->init(m_protocol.get());
-    return m_protocol->isJoined();
+    return isJoined(*m_protocol);
 }
 
 void Monitor::startStats()

@@ -13,12 +13,12 @@
 
 namespace canbus {
 class LineReader;
-}
+class VelCanBusProtocol;
+} // namespace canbus
 
 namespace canbus::monitor {
 
 class HostControls;
-class JoinableProtocol;
 class PortWatch;
 class Recorder;
 
@@ -64,7 +64,7 @@ private:
     Targets m_targets;
     QVector<PreparedCall> m_firstCalls; // until the link is up for the first time
     SignalSpy m_spy;
-    std::unique_ptr<JoinableProtocol> m_protocol;
+    std::unique_ptr<VelCanBusProtocol> m_protocol;
     std::shared_ptr<Recorder> m_recorder; // null without --record
     std::unique_ptr<PortWatch> m_port;
     std::unique_ptr<LineReader> m_standardInput;

@@ -13,6 +13,7 @@
 #include <QtCore/QTimer>
 
 #include <canbusplayer.h>
+#include <velcanbusprotocol.h>
 
 #include <algorithm>
 #include <utility>
@@ -111,7 +112,7 @@ void Playback::join()
     CanBusPlayer *const player = CanBusPlayer::instance();
     {
         const VirtualClock::Standstill connectRequests;
-        m_protocol = std::make_unique<JoinableProtocol>();
+        m_protocol = std::make_unique<VelCanBusProtocol>();
     }
     connect(m_protocol.get(), &CanbusProtocol::onWritPortData, this, [this](const QByteArray &written) {
         if (isAnswer(written))

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "joinableprotocol.h"
 #include "methodcall.h"
 #include "options.h"
 #include "output.h"
@@ -49,7 +48,7 @@ private:
     int m_stopDescriptor;
     Output m_output;
     std::unique_ptr<HostControls> m_host;
-    std::unique_ptr<JoinableProtocol> m_protocol;
+    std::unique_ptr<VelCanBusProtocol> m_protocol;
     std::unique_ptr<SentTraffic> m_sent;
     SignalSpy m_spy;
     qint64 m_tickUs = 0;
