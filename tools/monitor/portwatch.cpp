@@ -16,8 +16,10 @@ int descriptorOf(dev_t device)
 {
     constexpr int kMostDescriptors = 1024; // the port is opened when the program begins
     for (int descriptor = 0; descriptor < kMostDescriptors; ++descriptor) {
+        // By its name: the number may be one that another thread is about to open or close.
+        const QByteArray name = "/proc/self/fd/" + QByteArray::number(descriptor);
         struct stat info = {};
-        if (::fstat(descriptor, &info) == 0 && S_ISCHR(info.st_mode) && info.st_rdev == device)
+        if (::stat(name.constData(), &info) == 0 && S_ISCHR(info.st_mode) && info.st_rdev == device)
             return descriptor;
     }
     return -1;
