@@ -39,7 +39,9 @@ public:
     QList<LogLine> lines() const
     {
         QMutexLocker lock(&store().mutex);
-        return store().lines;
+        QList<LogLine> copy = store().lines;
+        copy.detach(); // what is shared, a thread that goes on logging would change
+        return copy;
     }
 
     /// What stands behind the separator "--" in the lines of this level, in order.
