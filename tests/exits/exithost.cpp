@@ -41,6 +41,13 @@ void say(const QByteArray &line)
         ::abort();
 }
 
+/// As the port does.
+void logLosses(int count)
+{
+    for (; count > 0; --count)
+        ::dprintf(STDERR_FILENO, "[ERR] void canbus::SerialPort::handleError() -- 9\n");
+}
+
 qint64 nowMs()
 {
     return QDeadlineTimer::current(Qt::PreciseTimer).deadline();
@@ -267,6 +274,10 @@ private:
             std::atexit([] { ::_exit(7); });
         if (m_plan.has("fault", "message"))
             std::atexit([] { ::dprintf(STDERR_FILENO, "QThread: Destroyed while still running\n"); });
+        if (m_plan.has("fault", "alarm"))
+            std::atexit([] { logLosses(1); });
+        if (m_plan.has("fault", "alarms"))
+            std::atexit([] { logLosses(10); });
         if (m_plan.has("fault", "talk"))
             std::atexit([] { say("goodbye"); });
         if (m_plan.has("fault", "slow"))

@@ -51,7 +51,7 @@ private:
     void onFinished(QProcess::ExitStatus how);
     void judgeEnd(QProcess::ExitStatus how);
     void judgeMessages();
-    bool isExpected(const QByteArray &message) const;
+    bool isExpected(const QByteArray &message);
     int chance(int end) { return int(m_chance() % quint32(end)); }
 
     const ExitPlan m_plan;
@@ -71,5 +71,6 @@ private:
     bool m_isUp = false;
     qint64 m_exitMs = -1;
     int m_endMs = -1;
+    int m_lossLines = 0;
     QStringList m_complaints;
 };

@@ -116,27 +116,29 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("fault");
         QTest::addColumn<QString>("complaint");
-        QTest::newRow("none") << ""
-                              << "";
-        QTest::newRow("a crash") << "crash"
-                                 << "was ended by signal 11";
-        QTest::newRow("another status") << "status"
-                                        << "has ended with status 7";
-        QTest::newRow("a message") << "message"
-                                   << "message: QThread: Destroyed while still running";
-        QTest::newRow("a word too many") << "talk"
-                                         << "has said: ready up exit goodbye ";
-        QTest::newRow("a late end") << "slow"
-                                    << " ms from its exit to its end";
-        QTest::newRow("no end") << "stuck"
-                                << "has not ended";
+        QTest::addColumn<QString>("when");
+        const auto addRow = [](const char *name, const char *fault, const char *complaint,
+                               const char *when = "up") {
+            QTest::newRow(name) << fault << complaint << when;
+        };
+        addRow("none", "", "");
+        addRow("none, the line was lost", "", "", "hungup");
+        addRow("a crash", "crash", "was ended by signal 11");
+        addRow("another status", "status", "has ended with status 7");
+        addRow("a message", "message", "message: QThread: Destroyed while still running");
+        addRow("a line lost that is there", "alarm", "handleError() -- 9");
+        addRow("a loss told again and again", "alarms", "handleError() -- 9", "hungup");
+        addRow("a word too many", "talk", "has said: ready up exit goodbye ");
+        addRow("a late end", "slow", " ms from its exit to its end");
+        addRow("no end", "stuck", "has not ended");
     }
 
     void noticesABadExit()
     {
         QFETCH(QString, fault);
         QFETCH(QString, complaint);
-        const ExitPlan plan {{"protocol", "leaked"}, {"init", "once"}, {"when", "up"},  {"end", "exit"},
+        QFETCH(QString, when);
+        const ExitPlan plan {{"protocol", "leaked"}, {"init", "once"}, {"when", when},  {"end", "exit"},
                              {"status", "0"},        {"after", "20"},  {"fault", fault}};
         ExitRun run(plan, limits(), 1);
         bool hasEnded = false;
