@@ -1,0 +1,126 @@
+#include "errors.h"
+#include "options.h"
+#include "screenshots.h"
+#include "unit.h"
+
+#include <QtCore/QSocketNotifier>
+#include <QtGui/QGuiApplication>
+#include <QtQuick/QQuickItem>
+#include <QtQuick/QQuickView>
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+
+#include <sys/signalfd.h>
+
+namespace {
+
+using namespace canbus::headunit;
+
+int fail(int status, const QString &error)
+{
+    complain(error);
+    return status;
+}
+
+int answer(const QString &text)
+{
+    const bool isPrinted =
+        std::fputs(text.toLocal8Bit().constData(), stdout) >= 0 && std::fflush(stdout) == 0;
+    return isPrinted ? kSuccess : fail(kFailure, QStringLiteral("cannot write to standard output"));
+}
+
+QStringList argumentsOf(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    return arguments;
+}
+
+/// Turns the signals that end a program into a readable descriptor, before there is another thread.
+/// @return the descriptor, or -1
+int openEndingSignals()
+{
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        sigaddset(&ending, signal);
+    sigprocmask(SIG_BLOCK, &ending, nullptr);
+    return signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+void openWindow(QQuickWindow *window, const QString &title, const QSize &size)
+{
+    window->setTitle(title);
+    window->resize(size);
+    window->show();
+    // Either window ends the program: a panel without its head unit is nothing.
+    QObject::connect(window, &QWindow::visibleChanged, qApp, [](bool isVisible) {
+        if (!isVisible)
+            QCoreApplication::quit();
+    });
+}
+
+int showUnit(Unit *unit, const Options &options)
+{
+    QQuickWindow window;
+    window.setMinimumSize({640, 384});
+    unit->showIn(&window);
+    openWindow(&window, QStringLiteral("Head unit"), options.size);
+    QQuickWindow panelWindow;
+    std::unique_ptr<QObject> panel;
+    if (options.hasPanel) {
+        QString error;
+        panel.reset(unit->load(QStringLiteral("panel/Panel.qml"), {}, &error));
+        auto *const item = qobject_cast<QQuickItem *>(panel.get());
+        if (!item)
+            return fail(kFailure, error);
+        item->setParentItem(panelWindow.contentItem());
+        openWindow(&panelWindow, QStringLiteral("The simulated car"), item->size().toSize());
+    }
+    const int status = QCoreApplication::exec();
+    unit->screen()->setParentItem(nullptr);
+    return status;
+}
+
+int run(const Options &options)
+{
+    const bool takesPictures = !options.screenshots.isEmpty();
+    prepareDrawing();
+    if (takesPictures)
+        prepareScreenshots();
+    Unit unit(options);
+    QString error;
+    if (!unit.start(&error))
+        return fail(kFailure, error);
+    if (!takesPictures)
+        return showUnit(&unit, options);
+    return takeScreenshots(&unit, options, &error) ? kSuccess : fail(kFailure, error);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const int endingSignals = openEndingSignals();
+    std::setlocale(LC_ALL, "");
+    Options options;
+    QString error;
+    if (!parseOptions(argumentsOf(argc, argv), &options, &error))
+        return fail(kWrongArguments, error);
+    if (options.wantsHelp)
+        return answer(helpText());
+    if (options.wantsVersion)
+        return answer(QStringLiteral("canbus-headunit " CANBUS_HEADUNIT_VERSION "\n"));
+    takeMessages();
+    if (!options.screenshots.isEmpty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!hasDisplay())
+        return fail(kFailure, noDisplayText());
+    QGuiApplication application(argc, argv);
+    QSocketNotifier ending(endingSignals, QSocketNotifier::Read);
+    QObject::connect(&ending, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
+    return run(options);
+}

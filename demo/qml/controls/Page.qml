@@ -1,0 +1,57 @@
+import QtQuick 2.15
+import "../style"
+
+// A page: what stands on it is dimmed and takes no touch unless it is live.
+Item {
+    id: page
+
+    property bool valid: true
+    property bool stale: false
+    property bool dimsContent: true
+    readonly property bool live: valid && !stale
+    default property alias content: body.data
+    property string title
+
+    Item {
+        id: body
+
+        anchors.fill: parent
+        anchors.margins: Theme.margin
+        enabled: page.live || !page.dimsContent
+        opacity: page.live || !page.dimsContent ? 1 : 0.32
+    }
+
+    Rectangle {
+        objectName: "notLive"
+        anchors.centerIn: parent
+        visible: !page.live && page.dimsContent
+        width: notice.width + 56
+        height: 72
+        radius: 36
+        color: Theme.raised
+        border.width: 2
+        border.color: Theme.caution
+
+        Row {
+            id: notice
+
+            anchors.centerIn: parent
+            spacing: 12
+
+            Icon {
+                anchors.verticalCenter: parent.verticalCenter
+                path: Icons.warning
+                color: Theme.caution
+                size: 30
+            }
+
+            Label {
+                anchors.verticalCenter: parent.verticalCenter
+                text: page.valid ? "No link: these are the last values" : page.stale ? "Waiting for the box"
+                                                                                     : "Nothing received yet"
+                font.pixelSize: Theme.bodyText + 2
+                font.weight: Font.DemiBold
+            }
+        }
+    }
+}

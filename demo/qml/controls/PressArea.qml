@@ -1,0 +1,76 @@
+import QtQuick 2.15
+import "../style"
+
+// What can be pressed, by finger or with Enter: the base of all controls.
+//
+// `began` and `ended` come in pairs, whatever ends the touch; `tapped` comes with a touch that ends where it
+// began.
+Item {
+    id: area
+
+    property bool down: mouse.pressed || keyIsDown
+    property bool keyIsDown: false
+    property int radius: Theme.radius
+    readonly property bool takesFocus: enabled && visible
+
+    signal began
+    signal ended
+    signal tapped
+
+    function releaseKey() {
+        if (!keyIsDown)
+            return
+        keyIsDown = false
+        ended()
+    }
+
+    implicitWidth: Theme.touch
+    implicitHeight: Theme.touch
+    activeFocusOnTab: true
+    onActiveFocusChanged: if (!activeFocus) releaseKey()
+    onEnabledChanged: if (!enabled) releaseKey()
+
+    Keys.onPressed: {
+        const isPress = [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) >= 0
+        event.accepted = isPress
+        if (!isPress || event.isAutoRepeat)
+            return
+        keyIsDown = true
+        began()
+    }
+    Keys.onReleased: {
+        const isPress = [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) >= 0
+        event.accepted = isPress
+        if (!isPress || event.isAutoRepeat || !keyIsDown)
+            return
+        releaseKey()
+        tapped()
+    }
+
+    MouseArea {
+        id: mouse
+
+        anchors.fill: parent
+        onPressed: {
+            area.forceActiveFocus(Qt.MouseFocusReason)
+            area.began()
+        }
+        onReleased: {
+            area.ended()
+            if (containsMouse)
+                area.tapped()
+        }
+        onCanceled: area.ended()
+    }
+
+    Rectangle {
+        anchors.fill: parent
+        anchors.margins: -4
+        z: 10
+        visible: area.activeFocus && Theme.showsFocus
+        radius: area.radius + 4
+        color: "transparent"
+        border.width: 3
+        border.color: Theme.accent
+    }
+}

@@ -1,0 +1,79 @@
+import QtQuick 2.15
+import CanBus 1.0
+import "../car"
+import "../controls"
+import "../style"
+
+Page {
+    id: page
+
+    function nearest(zones) {
+        return zones.length === 0 ? 255 : Math.min.apply(null, zones)
+    }
+
+    title: ParkingState.title || "Parking"
+    valid: ParkingState.valid
+    stale: ParkingState.stale
+
+    Card {
+        id: stage
+
+        anchors.left: parent.left
+        anchors.right: list.left
+        anchors.rightMargin: Theme.gap
+        anchors.top: parent.top
+        anchors.bottom: buttons.top
+        anchors.bottomMargin: Theme.gap
+
+        ParkingView {
+            anchors.fill: parent
+            front: ParkingState.front
+            rear: ParkingState.rear
+            leftSide: ParkingState.left
+            rightSide: ParkingState.right
+        }
+    }
+
+    Column {
+        id: list
+
+        readonly property var sides: [
+            { "title": "Front", "zones": ParkingState.front },
+            { "title": "Rear", "zones": ParkingState.rear },
+            { "title": "Left", "zones": ParkingState.left },
+            { "title": "Right", "zones": ParkingState.right }
+        ]
+
+        anchors.right: parent.right
+        anchors.top: parent.top
+        width: 250
+        spacing: Theme.gap
+
+        Repeater {
+            model: 4
+
+            SideCard {
+                width: list.width
+                height: (stage.height - 3 * Theme.gap) / 4
+                title: list.sides[index].title
+                measures: ParkingState.sensors[index] === true
+                value: page.nearest(list.sides[index].zones)
+            }
+        }
+    }
+
+    CustomRow {
+        id: buttons
+
+        anchors.left: parent.left
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 72
+        labels: ParkingState.labels
+        state1: ParkingState.labelState1
+        state2: ParkingState.labelState2
+        onControl1: Parking.customControl1()
+        onControl2: Parking.customControl2()
+        onSettings: Parking.settings()
+    }
+}

@@ -1,0 +1,136 @@
+import QtQuick 2.15
+import CanBus 1.0
+import "../car"
+import "../controls"
+import "../style"
+
+Page {
+    id: page
+
+    readonly property var places: ["Front left", "Front right", "Rear left", "Rear right"]
+
+    title: VehicleState.title || "Vehicle"
+    valid: VehicleState.valid
+    stale: VehicleState.stale
+
+    Card {
+        id: stage
+
+        anchors.left: parent.left
+        anchors.right: list.left
+        anchors.rightMargin: Theme.gap
+        anchors.top: parent.top
+        anchors.bottom: buttons.top
+        anchors.bottomMargin: Theme.gap
+
+        CarTop {
+            anchors.centerIn: parent
+            doors: VehicleState.doors
+            tires: VehicleState.tires
+            hood: VehicleState.hood
+            trunk: VehicleState.trunk
+        }
+
+        Repeater {
+            model: page.places
+
+            TireCard {
+                x: index % 2 === 0 ? Theme.margin : stage.width - width - Theme.margin
+                y: index < 2 ? 34 : stage.height - height - 34
+                title: modelData
+                text: VehicleState.tireTexts[index] || ""
+                state: VehicleState.tires[index] === undefined ? 3 : VehicleState.tires[index]
+            }
+        }
+    }
+
+    Card {
+        id: list
+
+        anchors.right: parent.right
+        anchors.top: parent.top
+        anchors.bottom: stage.bottom
+        width: 318
+
+        Column {
+            anchors.verticalCenter: parent.verticalCenter
+            x: 20
+            width: parent.width - 40
+            spacing: 3
+
+            StatusLine {
+                width: parent.width
+                title: "Engine"
+                icon: Icons.engine
+                text: ["OK", "Check", "Service", "State 3"][VehicleState.checkEngine]
+                color: VehicleState.checkEngine === 0 ? Theme.good : Theme.lamp(VehicleState.checkEngine + 1)
+            }
+
+            StatusLine {
+                width: parent.width
+                title: "Battery"
+                icon: Icons.battery
+                text: VehicleState.battery ? "Check" : "OK"
+                color: VehicleState.battery ? Theme.alarm : Theme.good
+            }
+
+            Rectangle {
+                width: parent.width
+                height: 1
+                color: Theme.line
+            }
+
+            Repeater {
+                model: page.places
+
+                OpenLine {
+                    width: parent.width
+                    title: modelData + " door"
+                    open: VehicleState.doors[index] === true
+                }
+            }
+
+            OpenLine {
+                width: parent.width
+                title: "Hood"
+                open: VehicleState.hood
+            }
+
+            OpenLine {
+                width: parent.width
+                title: "Trunk"
+                open: VehicleState.trunk
+            }
+        }
+    }
+
+    LampButton {
+        id: engine
+
+        objectName: "checkEngine"
+        anchors.left: parent.left
+        anchors.bottom: parent.bottom
+        width: (parent.width - 3 * Theme.gap) / 4
+        height: buttons.height
+        text: "Check engine"
+        icon: Icons.engine
+        lamp: VehicleState.checkEngine === 0 ? 0 : VehicleState.checkEngine + 1
+        onTapped: Vehicle.checkEngine()
+    }
+
+    CustomRow {
+        id: buttons
+
+        anchors.left: engine.right
+        anchors.leftMargin: Theme.gap
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        height: 72
+        labels: VehicleState.labels
+        state1: VehicleState.labelState1
+        state2: VehicleState.labelState2
+        onControl1: Vehicle.customControl1()
+        onControl2: Vehicle.customControl2()
+        onSettings: Vehicle.settings()
+    }
+}
