@@ -44,6 +44,7 @@ private Q_SLOTS:
     void summarisesTheTimesOfAnswers();
     void takesNoTimesFromOtherFates();
     void leavesAnswersToUnsentFramesOutOfTheTimes();
+    void countsNothingForAFateThatIsNone();
     void timesAnAnswerFromTheFirstTransmission();
 };
 
@@ -75,6 +76,12 @@ void LinkHealthSendingTest::countsSentFrames_data()
         << bytes("9f 02 9f9f 93 00 0c 9f 03")
         << QStringList {"cacheHighWater 1", "sentByCommand.ClimateButton.bytes 9",
                         "sentByCommand.ClimateButton.frames 1", "sentBytes 9", "sentFrames 1"};
+    QTest::newRow("an escape as id that a host has not doubled")
+        << bytes("9f 02 9f 93 00 0c 9f 03")
+        << QStringList {"cacheHighWater 1", "sentByCommand.ClimateButton.bytes 8",
+                        "sentByCommand.ClimateButton.frames 1", "sentBytes 8", "sentFrames 1"};
+    QTest::newRow("a command that opens like no frame")
+        << bytes("9f 03 31 93 00") << QStringList {"cacheHighWater 1", "sentBytes 5"};
     QTest::newRow("a command that is no frame")
         << bytes("41 02 31 93 00") << QStringList {"cacheHighWater 1", "sentBytes 5"};
 }
@@ -227,6 +234,15 @@ void LinkHealthSendingTest::leavesAnswersToUnsentFramesOutOfTheTimes()
     QCOMPARE(counters.figures().maxAnswerUs, 300U);
 }
 
+void LinkHealthSendingTest::countsNothingForAFateThatIsNone()
+{
+    LinkHealthPrivate counters;
+    counters.countEnded(LinkHealth::Fate(9), 1, 300);
+    QCOMPARE(counters.figures().answers, 0U);
+    QCOMPARE(counters.figures().givenUp, 0U);
+    QCOMPARE(counters.figures().refusedFull, 0U);
+}
+
 void LinkHealthSendingTest::timesAnAnswerFromTheFirstTransmission()
 {
     HandDrivenProtocol protocol;
@@ -235,7 +251,8 @@ void LinkHealthSendingTest::timesAnAnswerFromTheFirstTransmission()
     protocol->onSaveSendCmdData(kFirst);
     QElapsedTimer within;
     within.start();
-    while (within.nsecsElapsed() < 3000000)
+    // Long enough to tell a thousandth of it.
+    while (within.nsecsElapsed() < 100000000)
         QThread::yieldCurrentThread();
     protocol->onSendTmrout();
     const qint64 shortestUs = within.nsecsElapsed() / 1000;
