@@ -5,7 +5,7 @@
 # usage: run.sh [--count N|all] [--seed S] [--only PART] [--list]
 #   --count N    how many changes, evenly over the files (240)
 #   --seed S     which ones (1)
-#   --only PART  those of the files whose names hold PART
+#   --only PART  those of the files whose names hold PART; may be given again
 #   --list       print all there are and run none
 #
 # For CI: --count 40.
