@@ -2,10 +2,12 @@
 # Installs the package, moves it, and uses it as a host's developer would: the files, the exported names, a host
 # built by find_package and by pkg-config, and a value of the installed box in that host's output.
 #
-# install_package.sh CMAKE SOURCE_DIR BUILD_DIR CONFIG CXX: in BUILD_DIR/install-check, which it replaces.
+# install_package.sh CMAKE SOURCE_DIR BUILD_DIR CONFIG CXX [LIST...]: in BUILD_DIR/install-check, which it replaces.
+# The lists name what this build installs beyond the runtime and the development files.
 set -euo pipefail
 
 cmake=$1 source=$2 build=$3 config=$4 cxx=$5
+further_lists=("${@:6}")
 work=$build/install-check
 prefix=$work/moved
 here=$source/tests/e2e/install
@@ -44,7 +46,7 @@ install_and_move() {
     expect_files "$work/runtime" "$here/runtime.txt"
     "$cmake" --install "$build" --prefix "$work/installed" >/dev/null
     mv "$work/installed" "$prefix"
-    expect_files "$prefix" "$here/runtime.txt" "$here/development.txt"
+    expect_files "$prefix" "$here/runtime.txt" "$here/development.txt" "${further_lists[@]}"
 }
 
 # dynamic_entry FILE NAME: such as SONAME
