@@ -1,6 +1,6 @@
-#include "heartbeat.h"
 #include "linkedrig.h"
 
+#include <heartbeat.h>
 #include <logrecorder.h>
 
 #include <QtTest/QtTest>
