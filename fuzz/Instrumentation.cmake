@@ -18,6 +18,10 @@ if(CANBUS_SANITIZE)
     "CANBUS_BUILD_FUZZ is ON and CANBUS_SANITIZE is \"${CANBUS_SANITIZE}\": the fuzz targets bring their own "
     "sanitizers, so leave CANBUS_SANITIZE empty")
 endif()
+# No tracing of comparisons: nearly all are those of the sanitizers' own checks, and they cost a fifth of the
+# time. Qt's assertions find what the sanitizers do not: an index within the memory but behind the list's end.
 add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
-  "-fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/ignored.txt" -fno-omit-frame-pointer -g)
+  -fno-sanitize-coverage=trace-cmp,trace-div,trace-gep
+  "-fsanitize-ignorelist=${CMAKE_CURRENT_LIST_DIR}/ignored.txt" -fno-omit-frame-pointer -gline-tables-only)
+add_compile_definitions(QT_FORCE_ASSERTS)
 add_link_options(-fsanitize=address,undefined)

@@ -2,6 +2,7 @@
 #include "itemtable.h"
 #include "target.h"
 
+#include <bitset>
 #include <iterator>
 
 /// Payloads of all categories, through the facade's slots into the groups. What is announced, and in the end
@@ -67,41 +68,62 @@ QList<int> touchesOf(const QByteArray &payload)
     }
 }
 
-/// Hands over payloads that set every item.
-void fill(char byte, itemtable::Items *items)
+/// All that have items; those of the screens and of the menu do not look at their sub-type.
+constexpr struct {
+    int category;
+    int mod;
+} kSubTypes[] = {{2, 0}, {3, 0}, {3, 1}, {3, 2}, {4, 0}, {4, 1}, {4, 2}, {4, 3}, {4, 4},
+                 {4, 5}, {5, 0}, {5, 1}, {5, 2}, {6, 0}, {6, 1}, {6, 2}, {17, 0}};
+
+using SubTypes = std::bitset<std::size(kSubTypes)>;
+
+/// Those whose items a payload may set.
+SubTypes subTypesOf(int category, int mod)
 {
-    static constexpr int kSubTypes[] = {1, 3, 6, 3, 3, 0, 1};
+    SubTypes meant;
+    for (std::size_t i = 0; i < meant.size(); ++i)
+        meant[i] =
+            kSubTypes[i].category == category && (kSubTypes[i].mod == mod || category == 2 || category == 17);
+    return meant;
+}
+
+/// Hands over payloads that set every item of these.
+void fill(const SubTypes &which, char byte, itemtable::Items *items)
+{
     const QByteArray payload(40, byte);
-    for (std::size_t i = 0; i < std::size(kCategories); ++i) {
-        for (int mod = 0; mod < kSubTypes[i]; ++mod) {
-            handOver(kCategories[i], QByteArray(1, char(mod)), payload);
-            if (items != nullptr)
-                items->receive(kCategories[i], mod, payload);
-        }
+    for (std::size_t i = 0; i < which.size(); ++i) {
+        if (!which[i])
+            continue;
+        handOver(kSubTypes[i].category, QByteArray(1, char(kSubTypes[i].mod)), payload);
+        if (items != nullptr)
+            items->receive(kSubTypes[i].category, kSubTypes[i].mod, payload);
     }
 }
 
-/// Whatever the last input has left is gone, and the throttle is on. @return what the items are then
-itemtable::Items reset()
+/// Whatever the last input has left in these is gone, and the throttle is on. @return what the items are then
+const itemtable::Items &reset(const SubTypes &changed)
 {
     static const itemtable::Items afterwards = [] {
         itemtable::Items items;
-        fill('\x01', &items);
-        fill('\x02', &items);
+        fill(SubTypes().set(), '\x01', &items);
+        fill(SubTypes().set(), '\x02', &items);
         return items;
     }();
-    fill('\x02', nullptr);
+    fill(changed, '\x02', nullptr);
     return afterwards;
 }
 
 class Run {
 public:
-    explicit Run(HeardAnnouncements &heard)
+    Run(HeardAnnouncements &heard, const itemtable::Items &items)
         : m_heard(heard)
-        , m_items(reset())
+        , m_items(items)
     {
         m_heard.take();
     }
+
+    /// Those that have had a payload.
+    const SubTypes &changed() const { return m_changed; }
 
     void operate(fuzz::Program &program)
     {
@@ -113,6 +135,7 @@ public:
         const int category = kCategories[selectors & 0x07];
         const QByteArray TPMOD = subType((selectors >> 3) & 0x07);
         const QByteArray payload = program.bytes(program.byte());
+        m_changed |= subTypesOf(category, modOf(TPMOD));
         handOver(category, TPMOD, payload);
         fuzz::check(m_heard.take() == m_items.receive(category, modOf(TPMOD), payload),
                     "a payload makes the announcements that the table gives");
@@ -144,6 +167,7 @@ private:
 
     HeardAnnouncements &m_heard;
     itemtable::Items m_items;
+    SubTypes m_changed;
 };
 
 } // namespace
@@ -151,10 +175,12 @@ private:
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     static auto *const heard = new HeardAnnouncements;
+    static SubTypes changed = SubTypes().set();
     fuzz::Program program(data, size);
-    Run run(*heard);
+    Run run(*heard, reset(changed));
     while (!program.atEnd())
         run.operate(program);
     run.compareStored();
+    changed = run.changed();
     return 0;
 }

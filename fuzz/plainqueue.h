@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <utility>
 #include <vector>
 
 /// The sending side as docs/protocol.md tells it: what the library's own is compared with.
@@ -19,8 +18,9 @@ public:
     using Fate = canbus::LinkHealth::Fate;
     using Timer = canbus::LinkTimer;
 
-    /// What the operations since the last call asked for, in order.
-    std::vector<Effect> take() { return std::exchange(m_effects, {}); }
+    /// What the operations since the last forget() asked for, in order.
+    const std::vector<Effect> &effects() const { return m_effects; }
+    void forget() { m_effects.clear(); }
 
     bool enqueue(const QByteArray &frame)
     {
@@ -77,8 +77,9 @@ public:
 
     void request()
     {
+        static const QByteArray frame("\x9f\x02\x21\x01\x00\x00\x00\x20\x9f\x03", 10);
         m_handshaking = true;
-        appendOnce(QByteArray("\x9f\x02\x21\x01\x00\x00\x00\x20\x9f\x03", 10));
+        appendOnce(frame);
     }
 
     void ready(quint8 id)
@@ -93,9 +94,11 @@ public:
 
     void checkConnection()
     {
-        const QByteArray id(m_connectionId == 0x9F ? 2 : 1, char(m_connectionId));
-        appendOnce(QByteArray("\x9f\x02", 2) + id + QByteArray("\x01\x00\x00\x01", 4) + id
-                   + QByteArray("\x9f\x03", 2));
+        QByteArray frame(m_connectionId == 0x9F ? "\x9f\x02--\x01\x00\x00\x01--\x9f\x03"
+                                                : "\x9f\x02-\x01\x00\x00\x01-\x9f\x03",
+                         m_connectionId == 0x9F ? 12 : 10);
+        std::replace(frame.begin(), frame.end(), '-', char(m_connectionId));
+        appendOnce(frame);
     }
 
     int size() const { return int(m_cache.size()); }

@@ -6,10 +6,11 @@
 #include <QtCore/QByteArray>
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
-/// The receiving side as docs/protocol.md tells it, byte by byte and without regard to speed: what the
-/// library's own is compared with.
+/// The receiving side as docs/protocol.md tells it, in the plainest way: what the library's own is compared
+/// with.
 namespace fuzz {
 
 using Buffer = std::vector<quint8>;
@@ -23,13 +24,30 @@ inline QByteArray toBytes(const Buffer &buffer)
 inline bool isSame(const Buffer &buffer, const QByteArray &bytes)
 {
     return int(buffer.size()) == bytes.size()
-        && std::equal(buffer.begin(), buffer.end(), bytes.begin(),
-                      [](quint8 a, char b) { return a == quint8(b); });
+        && (buffer.empty() || std::memcmp(buffer.data(), bytes.constData(), buffer.size()) == 0);
+}
+
+inline void append(Buffer &buffer, const QByteArray &bytes)
+{
+    const auto *const first = reinterpret_cast<const quint8 *>(bytes.constData());
+    buffer.insert(buffer.end(), first, first + bytes.size());
 }
 
 inline Buffer toBuffer(const QByteArray &bytes)
 {
-    return Buffer(bytes.begin(), bytes.end());
+    Buffer buffer;
+    append(buffer, bytes);
+    return buffer;
+}
+
+/// The index of the first escape that has a byte behind it; -1 where there is none.
+inline int plainEscape(const Buffer &buffer, int from)
+{
+    if (from + 1 >= int(buffer.size()))
+        return -1;
+    const quint8 *const begin = buffer.data();
+    const void *const found = std::memchr(begin + from, 0x9F, buffer.size() - 1 - std::size_t(from));
+    return found == nullptr ? -1 : int(static_cast<const quint8 *>(found) - begin);
 }
 
 /// The index behind the first opening mark, and the byte that made it one; -1 and 0 where there is none.
@@ -40,9 +58,9 @@ struct PlainStart {
 
 inline PlainStart plainStart(const Buffer &buffer)
 {
-    for (int i = 0; i + 1 < int(buffer.size()); ++i) {
+    for (int i = plainEscape(buffer, 0); i != -1; i = plainEscape(buffer, i + 1)) {
         const quint8 next = buffer[std::size_t(i) + 1];
-        if (buffer[std::size_t(i)] == 0x9F && (next == 0x02 || next == 0x06 || next == 0x15))
+        if (next == 0x02 || next == 0x06 || next == 0x15)
             return {i + 2, next};
     }
     return {};
@@ -52,8 +70,8 @@ inline int plainEnd(const Buffer &buffer, int start)
 {
     if (start < 0)
         return -1;
-    for (int i = start; i + 1 < int(buffer.size()); ++i) {
-        if (buffer[std::size_t(i)] == 0x9F && buffer[std::size_t(i) + 1] == 0x03)
+    for (int i = plainEscape(buffer, start); i != -1; i = plainEscape(buffer, i + 1)) {
+        if (buffer[std::size_t(i) + 1] == 0x03)
             return i + 2;
     }
     return -1;
@@ -127,25 +145,25 @@ struct PlainFrame {
     QByteArray data;
 };
 
-inline PlainFrame plainFrame(Buffer rest, quint8 check)
+inline PlainFrame plainFrame(const Buffer &bytes, quint8 check)
 {
     PlainFrame frame;
+    auto rest = bytes.begin();
     for (QByteArray *field : {&frame.id, &frame.tp, &frame.mod}) {
-        if (rest.empty())
-            continue;
-        field->append(char(rest.front()));
-        rest.erase(rest.begin());
+        if (rest != bytes.end())
+            field->append(char(*rest++));
     }
-    const Buffer tail {check, 0x9F, 0x03};
-    for (; !rest.empty() && rest != tail; rest.erase(rest.begin()))
-        frame.data.append(char(rest.front()));
+    const quint8 tail[] = {check, 0x9F, 0x03};
+    while (rest != bytes.end() && !std::equal(rest, bytes.end(), std::begin(tail), std::end(tail)))
+        frame.data.append(char(*rest++));
     return frame;
 }
 
 /// A data frame in which no byte is 9F, so that none is doubled: nothing before it can change it.
 inline QByteArray cleanFrame()
 {
-    return QByteArray("\x9f\x02\x44\x02\x00\x1f\x59\x9f\x03", 9);
+    static const QByteArray frame("\x9f\x02\x44\x02\x00\x1f\x59\x9f\x03", 9);
+    return frame;
 }
 
 } // namespace fuzz

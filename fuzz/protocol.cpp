@@ -6,7 +6,6 @@
 #include <QtCore/QCoreApplication>
 
 #include <cstdlib>
-#include <utility>
 #include <vector>
 
 /// The real protocol object, driven on this thread: what arrives in chunks with a pass behind each, the send
@@ -50,19 +49,25 @@ public:
 
     VelCanBusProtocol *operator->() const { return m_protocol; }
 
-    std::vector<Event> take() { return std::exchange(m_events, {}); }
+    /// What it has emitted since the last forget(), in order.
+    const std::vector<Event> &events() const { return m_events; }
+    void forget() { m_events.clear(); }
 
     /// Back to one state, whatever the last input has left: connected, nothing cached, nothing received.
     void reset()
     {
+        static const QByteArray ready("\x9f\x02\x40\x01\x00\x00\x01\x40\x9f\x03", 10);
         QCoreApplication::removePostedEvents(nullptr, QEvent::MetaCall);
-        buffer()->data = QByteArray("\x9f\x02\x40\x01\x00\x00\x01\x40\x9f\x03", 10);
+        buffer()->data = ready;
         m_protocol->onParseDataTmrout();
-        do {
-            m_isActive = false;
-            m_protocol->onSendTmrout();
-        } while (m_isActive);
-        m_events.clear();
+        forget();
+        // Each frame that is cached goes out, and is acknowledged by the id that it has.
+        m_protocol->restartSendTmr();
+        while (!m_events.empty()) {
+            const QByteArray frame = m_events.back().bytes;
+            forget();
+            m_protocol->removeSendCmdData(frame.size() > 2 ? frame.at(2) : '\0');
+        }
     }
 
 private:
@@ -73,10 +78,8 @@ private:
             m_events.push_back({Event::Status, {}, {}, up ? 1 : 0});
         });
         QObject::connect(m_protocol, &Protocol::onWritPortData, [this](const QByteArray &bytes) {
-            m_isActive = true;
             m_events.push_back({Event::Write, bytes, {}, 0});
         });
-        QObject::connect(m_protocol->linkHealth(), &LinkHealth::commandEnded, [this] { m_isActive = true; });
         report(0x02, &Protocol::notifyScreensInfo);
         report(0x03, &Protocol::notifyClimateInfo);
         report(0x04, &Protocol::notifyGaugesInfo);
@@ -102,7 +105,6 @@ private:
 
     VelCanBusProtocol *m_protocol = nullptr; // left to the end of the process, as a host may do
     std::vector<Event> m_events;
-    bool m_isActive = false;
 };
 
 /// The protocol by the book.
@@ -111,11 +113,11 @@ public:
     PlainProtocol()
     {
         m_queue.ready(0x40);
-        m_queue.take();
+        m_queue.forget();
         m_decodedId = QByteArray(1, '\x40');
     }
 
-    void arrive(const QByteArray &bytes) { m_buffer.insert(m_buffer.end(), bytes.begin(), bytes.end()); }
+    void arrive(const QByteArray &bytes) { fuzz::append(m_buffer, bytes); }
 
     void pass()
     {
@@ -156,20 +158,21 @@ public:
         carryOut();
     }
 
-    int cached() const { return m_queue.size(); }
-
     const fuzz::Buffer &buffer() const { return m_buffer; }
 
     std::size_t buffered() const { return m_buffer.size(); }
 
-    std::vector<Event> take() { return std::exchange(m_events, {}); }
+    /// What is to be emitted since the last forget(), in order.
+    const std::vector<Event> &events() const { return m_events; }
+    void forget() { m_events.clear(); }
 
 private:
     void answer(quint8 kind)
     {
-        const QByteArray bytes =
-            QByteArray(1, char(0x9F)) + char(kind) + m_decodedId + m_decodedId + QByteArray("\x9f\x03", 2);
-        m_events.push_back({Event::Write, bytes, {}, 0});
+        QByteArray bytes;
+        bytes.reserve(6);
+        bytes.append('\x9f').append(char(kind)).append(m_decodedId).append(m_decodedId);
+        m_events.push_back({Event::Write, bytes.append("\x9f\x03"), {}, 0});
     }
 
     void answered(quint8 id, bool isAck)
@@ -208,12 +211,13 @@ private:
 
     void carryOut()
     {
-        for (const LinkEffect &effect : m_queue.take()) {
+        for (const LinkEffect &effect : m_queue.effects()) {
             if (effect.kind == LinkEffect::Write)
                 m_events.push_back({Event::Write, effect.frame, {}, 0});
             else if (effect.kind == LinkEffect::LinkUp || effect.kind == LinkEffect::LinkDown)
                 m_events.push_back({Event::Status, {}, {}, effect.kind == LinkEffect::LinkUp ? 1 : 0});
         }
+        m_queue.forget();
     }
 
     fuzz::Buffer m_buffer;
@@ -261,9 +265,9 @@ public:
         compare();
         drain();
         arrive(fuzz::cleanFrame());
-        const std::vector<Event> events = m_bench.take();
-        const Event report {Event::Report, QByteArray("\x1f"), {}, 0x02};
-        const Event ack {Event::Write, QByteArray("\x9f\x06\x44\x44\x9f\x03"), {}, 0};
+        const std::vector<Event> &events = m_bench.events();
+        static const Event report {Event::Report, QByteArray("\x1f"), {}, 0x02};
+        static const Event ack {Event::Write, QByteArray("\x9f\x06\x44\x44\x9f\x03"), {}, 0};
         fuzz::check(events.size() == 2 && events[0] == report && events[1] == ack,
                     "a clean frame after noise is decoded once and acknowledged once");
         fuzz::check(Bench::buffer()->data.isEmpty(), "nothing of it stays");
@@ -304,7 +308,9 @@ private:
 
     void compare()
     {
-        fuzz::check(m_bench.take() == m_plain.take(), "the protocol emits what the book says");
+        fuzz::check(m_bench.events() == m_plain.events(), "the protocol emits what the book says");
+        m_bench.forget();
+        m_plain.forget();
         fuzz::check(fuzz::isSame(m_plain.buffer(), Bench::buffer()->data), "and leaves the same bytes");
     }
 

@@ -1,9 +1,6 @@
 #include "sendqueue.h"
 #include "plainqueue.h"
 #include "target.h"
-
-#include <utility>
-
 /// The send queue, through any order of its operations.
 ///
 /// The input: a byte for each operation. Its lowest three bits say which, the others carry its argument: an
@@ -141,10 +138,11 @@ private:
 
     void compareEffects()
     {
-        const std::vector<LinkEffect> plain = m_plain.take();
+        const std::vector<LinkEffect> &plain = m_plain.effects();
         fuzz::check(m_effects.size() == plain.size(), "an operation has the effects that it has by the book");
         for (std::size_t i = 0; i < plain.size(); ++i)
             fuzz::check(isSame(m_effects[i], plain[i]), "each effect is the one by the book");
+        m_plain.forget();
     }
 
     static bool isSame(const LinkEffect &a, const LinkEffect &b)
@@ -176,6 +174,17 @@ private:
 
     /// Few enough that equal ones are cached together, and some too short to have an id.
     static QByteArray frameOf(quint8 argument)
+    {
+        static const std::vector<QByteArray> frames = [] {
+            std::vector<QByteArray> all;
+            for (int each = 0; each < 0x20; ++each)
+                all.push_back(makeFrame(quint8(each)));
+            return all;
+        }();
+        return frames[argument];
+    }
+
+    static QByteArray makeFrame(quint8 argument)
     {
         QByteArray frame("\x9f\x02", 2);
         if (argument >= 0x1C)

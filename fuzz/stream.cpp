@@ -100,7 +100,7 @@ public:
     void arrive(const QByteArray &bytes)
     {
         m_buffer += bytes;
-        m_plain.insert(m_plain.end(), bytes.begin(), bytes.end());
+        fuzz::append(m_plain, bytes);
     }
 
     void drain()
