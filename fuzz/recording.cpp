@@ -1,10 +1,12 @@
 #include "recording/recording.h"
 
 #include "recording/pcapng.h"
+
+#include "plainpcapng.h"
 #include "target.h"
 
-/// The reader of recordings. What was read is written and read again; a file that is cut holds the first of
-/// what the whole one holds.
+/// The reader of recordings. What it reads is compared with what a plain reader makes of the same file; it is
+/// written and read again; a file that is cut holds the first of what the whole one holds.
 ///
 /// The input: one byte that says where to cut, then the file.
 
@@ -27,6 +29,16 @@ void checkSound(const QByteArray &file, const Recording &recording, bool isWhole
         fuzz::check(block.timeUs >= 0, "no time is before 1970");
     }
     fuzz::check(size <= file.size(), "no more bytes come out than are in the file");
+}
+
+void checkRead(const QByteArray &file, const Recording &recording, bool isWhole)
+{
+    const fuzz::PlainPcapng plain(file);
+    fuzz::check(isWhole == plain.isWhole, "a file is faulty that is so by the format");
+    fuzz::check(recording.comment == plain.read.comment, "the comment is the first one of a section");
+    fuzz::check(recording.blocks.size() == plain.read.blocks.size(), "each packet before the fault is read");
+    for (int i = 0; i < recording.blocks.size(); ++i)
+        fuzz::check(isSame(recording.blocks.at(i), plain.read.blocks.at(i)), "as what it is");
 }
 
 void checkCut(const QByteArray &file, const Recording &whole, int size)
@@ -63,6 +75,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     QString error;
     const bool isWhole = parse(file, &recording, &error);
     checkSound(file, recording, isWhole, error);
+    checkRead(file, recording, isWhole);
     checkCut(file, recording, int(qint64(file.size()) * cut / 256));
     checkAgain(recording);
     return 0;
