@@ -4,15 +4,18 @@ set -euo pipefail
 
 usage() {
     cat <<'USAGE'
-fuzz/run.sh [SECONDS] [--target NAME] [--runs N]: builds the fuzz targets into build/fuzz and runs them.
+fuzz/run.sh [SECONDS] [--target NAME]... [--runs N] [--jobs N]: builds the fuzz targets into build/fuzz and
+runs them.
 
   SECONDS        how long all targets run together; 60 by default
-  --target NAME  run this target alone, for all of the time
-  --runs N       run each target for N executions, however long that takes
+  --target NAME  run this target, and those that are named likewise, for all of the time
+  --runs N       run each target until its program has had N executions in all, those of earlier runs counted
+  --jobs N       run N targets at a time; 1 by default
 
 Targets: stream frames protocol decoders texts sendqueue recording scenario.
-Building takes 3 minutes on two cores, once. The first finding of a target ends its run, is kept in
-build/fuzz/findings, and fails this script.
+Building takes 2 minutes on two cores, once. The first finding of a target ends its run, is kept in
+build/fuzz/findings, and fails this script. build/fuzz/executions holds what each program has been through; a
+program that was built from other code begins at 0.
 USAGE
 }
 
@@ -25,9 +28,12 @@ fail() {
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
 build=$root/build/fuzz
 all_targets=(stream frames protocol decoders texts sendqueue recording scenario)
-targets=("${all_targets[@]}")
+targets=()
 seconds=60
 runs=
+jobs=1
+# So much is lost at most when the machine goes down.
+readonly runs_at_once=1000000
 
 is_number() { [[ $1 =~ ^[1-9][0-9]{0,9}$ ]]; }
 
@@ -37,7 +43,12 @@ read_arguments() {
             --help | -h) usage && exit 0 ;;
             --target)
                 [[ " ${all_targets[*]} " == *" ${2:-} "* ]] || fail 2 "there is no target \"${2:-}\": ${all_targets[*]}"
-                targets=("$2")
+                targets+=("$2")
+                shift
+                ;;
+            --jobs)
+                is_number "${2:-}" || fail 2 "--jobs takes a whole number, not \"${2:-}\""
+                jobs=$2
                 shift
                 ;;
             --runs)
@@ -52,6 +63,7 @@ read_arguments() {
         esac
         shift
     done
+    [ ${#targets[@]} -gt 0 ] || targets=("${all_targets[@]}")
 }
 
 build_targets() {
@@ -67,46 +79,99 @@ build_targets() {
 # Long enough for what each target reads, and no longer: short inputs are fast ones.
 longest_input() {
     case $1 in
-        scenario) echo 4096 ;;
-        stream | recording) echo 1024 ;;
-        protocol) echo 256 ;;
-        sendqueue) echo 128 ;;
-        *) echo 512 ;;
+        scenario) echo 2048 ;;
+        recording) echo 512 ;;
+        sendqueue | texts) echo 128 ;;
+        protocol) echo 96 ;;
+        *) echo 256 ;;
     esac
 }
 
-# run_target NAME SECONDS: what it finds new is kept in build/fuzz/corpus, where the next run begins.
+# digest NAME: of the program and of those of its libraries that are built here, without what a debugger and
+# the linker add.
+digest() {
+    local file
+    { printf '%s\n' "$build/fuzz/fuzz_$1"; ldd "$build/fuzz/fuzz_$1" | sed -n "s|.* => \($build/[^ ]*\).*|\1|p"; } |
+        while read -r file; do
+            objcopy --strip-debug --remove-section=.note.gnu.build-id "$file" "$build/executions/$1.bare"
+            sha256sum <"$build/executions/$1.bare"
+            rm "$build/executions/$1.bare"
+        done | sha256sum | cut -d ' ' -f 1
+}
+
+# counted NAME: sets `executions` and `findings` to what this very program has been through.
+counted() {
+    local of
+    read -r of executions findings 2>/dev/null <"$build/executions/$1" || of=
+    [ "$of" = "$(digest "$1")" ] || { executions=0 && findings=0; }
+}
+
+# count NAME LOG
+count() {
+    local executions findings more found
+    counted "$1"
+    more=$(sed -n 's/^stat::number_of_executed_units: *//p' "$2")
+    found=$(grep -c 'Test unit written to ' "$2" || true)
+    printf '%s %s %s\n' "$(digest "$1")" $((executions + ${more:-0})) $((findings + found)) >"$build/executions/$1"
+}
+
+# run_target NAME SECONDS
 run_target() {
-    local target=$1 log=$build/$1.log share=$2 start=$SECONDS
-    local limits=(-max_total_time="$share") dictionary=() seeds=("$root/fuzz/corpus/$target")
-    [ -z "$runs" ] || limits=(-runs="$runs")
+    local executions findings start=$SECONDS
+    if [ -z "$runs" ]; then
+        run_once "$1" "$start" -max_total_time="$2"
+        return
+    fi
+    counted "$1"
+    while [ "$executions" -lt "$runs" ]; do
+        local more=$((runs - executions))
+        [ $more -le $runs_at_once ] || more=$runs_at_once
+        run_once "$1" "$start" -runs=$more || return
+        counted "$1"
+    done
+}
+
+# run_once NAME START LIMIT: what it finds new is kept in build/fuzz/corpus, where the next run begins.
+run_once() {
+    local target=$1 log=$build/$1.log status=0
+    local dictionary=() seeds=("$root/fuzz/corpus/$target")
     [ ! -f "$root/fuzz/$target.dict" ] || dictionary=(-dict="$root/fuzz/$target.dict")
     [ ! -d "$root/fuzz/regressions/$target" ] || seeds+=("$root/fuzz/regressions/$target")
     [ "$target" != scenario ] || seeds+=("$root/scenarios" "$root/scenarios/faults")
     mkdir -p "$build/corpus/$target" "$build/findings"
+    # Little is kept of freed memory and of who has allocated it: what is found is run again by hand, with all.
     # Leaks are looked for where the inputs are replayed: here, what is kept for the next input looks like one.
-    if ASAN_OPTIONS="quarantine_size_mb=8:malloc_context_size=8:${ASAN_OPTIONS:-}" \
+    ASAN_OPTIONS="quarantine_size_mb=1:thread_local_quarantine_size_kb=64:malloc_context_size=1:${ASAN_OPTIONS:-}" \
         UBSAN_OPTIONS="print_stacktrace=1:${UBSAN_OPTIONS:-}" \
-        "$build/fuzz/fuzz_$target" "${limits[@]}" "${dictionary[@]}" -max_len="$(longest_input "$target")" \
-        -timeout=10 -rss_limit_mb=2048 -detect_leaks=0 -print_final_stats=1 \
-        -artifact_prefix="$build/findings/$target-" "$build/corpus/$target" "${seeds[@]}" >"$log" 2>&1; then
-        report "$target" "$log" $((SECONDS - start))
-    else
-        report_finding "$target" "$log"
-        return 1
+        "$build/fuzz/fuzz_$target" "$3" "${dictionary[@]}" -max_len="$(longest_input "$target")" \
+        -timeout=10 -rss_limit_mb=2048 -detect_leaks=0 -reload=0 -print_final_stats=1 \
+        -artifact_prefix="$build/findings/$target-" "$build/corpus/$target" "${seeds[@]}" >"$log" 2>&1 &
+    fuzzer=$!
+    # It ends by itself then, and says how far it has come.
+    trap 'runs=0 && kill "$fuzzer" 2>/dev/null' INT TERM
+    wait "$fuzzer" || status=$?
+    while kill -0 "$fuzzer" 2>/dev/null; do
+        wait "$fuzzer" || status=$?
+    done
+    count "$target" "$log"
+    if [ $status -eq 0 ]; then
+        report "$target" "$log" $((SECONDS - $2))
+        return
     fi
+    report_end "$target" "$log"
+    return 1
 }
 
 # report NAME LOG SECONDS
 report() {
-    local executions coverage
-    executions=$(sed -n 's/^stat::number_of_executed_units: *//p' "$2")
+    local executions findings coverage
+    counted "$1"
     coverage=$(sed -n 's/^#[0-9]*.*DONE *cov: \([0-9]*\) ft: \([0-9]*\).*/\1 edges, \2 features/p' "$2")
-    printf 'fuzz: %-10s %10s executions in %s s, coverage %s, no finding\n' "$1" "$executions" "$3" "$coverage"
+    printf 'fuzz: %-10s %10s executions in all after %s s, coverage %s, no finding\n' "$1" "$executions" "$3" "$coverage"
 }
 
-# report_finding NAME LOG
-report_finding() {
+# report_end NAME LOG: of a run that ended before its time.
+report_end() {
     local finding
     if grep -q 'libFuzzer: run interrupted' "$2"; then
         printf 'fuzz: %-10s interrupted by a signal, no finding until then\n' "$1"
@@ -122,13 +187,36 @@ fuzz: make it a test: copy it to fuzz/regressions/$1/ under a name that says wha
 HOW
 }
 
+# run_all SECONDS
+run_all() {
+    local target
+    mkdir -p "$build/executions"
+    trap 'kill $(jobs -rp) 2>/dev/null; wait; exit 130' INT TERM
+    for target in "${targets[@]}"; do
+        while [ "$(jobs -rp | wc -l)" -ge "$jobs" ]; do wait -n || true; done
+        { run_target "$target" "$1" || : >"$ended_early/$target"; } &
+    done
+    wait
+}
+
+# table: what all programs have been through, and which of them failed.
+table() {
+    local target executions findings
+    printf 'fuzz: %-10s %12s %9s\n' target executions findings
+    for target in "${targets[@]}"; do
+        counted "$target"
+        printf 'fuzz: %-10s %12s %9s\n' "$target" "$executions" "$findings"
+        [ ! -e "$ended_early/$target" ] && [ "$findings" -eq 0 ] || failed+=("$target")
+    done
+}
+
 read_arguments "$@"
 build_targets
-share=$((seconds / ${#targets[@]}))
-[ "$share" -gt 0 ] || share=1
+ended_early=$(mktemp -d)
+trap 'rm -rf "$ended_early"' EXIT
 failed=()
-for target in "${targets[@]}"; do
-    run_target "$target" "$share" || failed+=("$target")
-done
+share=$((seconds * jobs / ${#targets[@]}))
+run_all $((share > 0 ? share : 1))
+table
 [ ${#failed[@]} -eq 0 ] || fail 1 "FAILED: ${failed[*]}; findings are kept in $build/findings"
 echo "fuzz: no findings"
