@@ -1,7 +1,8 @@
 // Runs every case under callgrind, which counts its instructions: valgrind --tool=callgrind
 // --collect-atstart=no --callgrind-out-file=FILE bench-counts. For each case callgrind writes a file whose
 // "desc: Trigger" names it; the program prints a line for each: how often it ran, in how many parts, and its
-// name. Without valgrind it runs everything and counts nothing.
+// name. Without valgrind it runs everything and counts nothing. With an argument it runs only the cases that
+// have it in their names, to be looked into with callgrind_annotate.
 
 #include "cases/benchcase.h"
 #include "cases/headunitrig.h"
@@ -12,6 +13,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include <valgrind/callgrind.h>
 
@@ -53,14 +55,20 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
-    countStart();
+    const std::string only = argc > 1 ? argv[1] : "";
+    if (only.empty())
+        countStart();
     for (const bench::Case &one : bench::allCases()) {
+        if (one.name.find(only) == std::string::npos)
+            continue;
         bench::run(
             one, kWarmUp, [] {}, [] {});
         bench::run(one, kRepetitions, toggle, toggle);
         report(one.name, kRepetitions, one.parts);
         QCoreApplication::processEvents();
     }
+    if (!only.empty())
+        return EXIT_SUCCESS;
     countTicks("idle tick", bench::Loop::Library);
     countTicks("idle tick/bare", bench::Loop::Bare);
     return EXIT_SUCCESS;

@@ -68,7 +68,11 @@ std::vector<Case> receiveCases()
     addBoth(cases, "2 KB back to back", back, back.size() / usual.size());
     addBoth(cases, "2,046 bytes of doubled escapes",
             frameAround(QByteArray(kEscapesInAFullFrame, char(0x9F))), 1);
+    addBoth(cases, "2,046 bytes of 03", frameAround(QByteArray(2 * kEscapesInAFullFrame, char(0x03))), 1);
     cases.push_back(waiting("receive/2 KB of noise", noise(kFullBuffer)));
+    QByteArray plain = noise(kFullBuffer);
+    plain.replace(char(0x9F), char(0x20));
+    cases.push_back(waiting("receive/2 KB of noise without an escape", plain));
     return cases;
 }
 

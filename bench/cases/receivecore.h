@@ -1,5 +1,6 @@
 #pragma once
 
+#include "framedecoder.h"
 #include "receivepath.h"
 #include "velcanbusprotocol.h"
 
@@ -8,6 +9,12 @@ namespace bench {
 /// The receive core: the steps of a pass as the protocol has them, without what they tell others.
 class ReceiveCore {
 public:
+    ReceiveCore()
+    {
+        canbus::receive::startAnew(buffer);
+        m_frameBytes.reserve(canbus::receive::kMaxBufferedBytes);
+    }
+
     QByteArray buffer;
 
     canbus::receive::Pass pass() { return canbus::receive::runPass(buffer, *this); }
@@ -35,21 +42,14 @@ public:
 
     void onProcessingFrameData(int start, int end)
     {
-        const int from = std::clamp(start, 0, buffer.size());
-        m_frameBytes = buffer.mid(from, std::clamp(end, from, buffer.size()) - from);
+        m_frameBytes.resize(0);
+        m_frameBytes.append(buffer.constData() + start, end - start);
     }
 
     void onCategoryDataProcessing()
     {
-        if (!m_markers.stx || m_frameBytes.isEmpty())
-            return;
-        m_decoded.id = m_frameBytes.left(1);
-        m_frameBytes.remove(0, 1);
-        m_decoded.TP = m_frameBytes.left(1);
-        m_frameBytes.remove(0, 1);
-        m_decoded.MOD = m_frameBytes.left(1);
-        m_frameBytes.remove(0, 1);
-        m_decoded.DATA += canbus::receive::takePayload(m_frameBytes, m_decoded.CS);
+        if (m_markers.stx)
+            canbus::receive::decode(m_frameBytes, m_decoded);
     }
 
 private:

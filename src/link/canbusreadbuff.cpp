@@ -1,6 +1,12 @@
+#include "receivepath.h"
 #include "velcanbusprotocol.h"
 
 namespace canbus {
+
+CanBusReadBuff::CanBusReadBuff()
+{
+    receive::startAnew(data);
+}
 
 CanBusReadBuff *CanBusReadBuff::instance()
 {

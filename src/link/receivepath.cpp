@@ -15,13 +15,13 @@ const quint8 *bytesOf(const QByteArray &buffer)
     return reinterpret_cast<const quint8 *>(buffer.constData());
 }
 
-/// The first DLE in [from, end), or `end`.
-const quint8 *findEscape(const quint8 *from, const quint8 *end)
+/// The first `byte` in [from, end), or `end`.
+const quint8 *find(quint8 byte, const quint8 *from, const quint8 *end)
 {
     // Escapes come in runs, and a call for each would cost more than a look.
-    if (from != end && *from == frame::kDle)
+    if (from != end && *from == byte)
         return from;
-    const void *const found = std::memchr(from, frame::kDle, size_t(end - from));
+    const void *const found = std::memchr(from, byte, size_t(end - from));
     return found ? static_cast<const quint8 *>(found) : end;
 }
 
@@ -33,11 +33,17 @@ int findPair(const QByteArray &buffer, int start, int end)
         return -1;
     const quint8 *const bytes = bytesOf(buffer);
     const quint8 *const stop = bytes + last;
-    for (const quint8 *at = findEscape(bytes + start, stop); at != stop; at = findEscape(at + 1, stop)) {
+    for (const quint8 *at = find(frame::kDle, bytes + start, stop); at != stop;
+         at = find(frame::kDle, at + 1, stop)) {
         if (at[1] == frame::kDle)
             return int(at - bytes);
     }
     return -1;
+}
+
+bool opensFrame(quint8 mark)
+{
+    return mark == frame::kNack || mark == frame::kAck || mark == frame::kStx;
 }
 
 Markers markersFor(quint8 mark)
@@ -55,27 +61,27 @@ Start findStart(const QByteArray &buffer)
 {
     const quint8 *const bytes = bytesOf(buffer);
     const quint8 *const end = bytes + buffer.size();
-    for (const quint8 *at = findEscape(bytes, end); end - at > 1; at = findEscape(at + 1, end)) {
-        const Markers markers = markersFor(at[1]);
-        if (markers.nack || markers.ack || markers.stx)
-            return {int(at - bytes) + kMarkSize, markers};
+    for (const quint8 *at = find(frame::kDle, bytes, end); end - at > 1;
+         at = find(frame::kDle, at + 1, end)) {
+        if (opensFrame(at[1]))
+            return {int(at - bytes) + kMarkSize, markersFor(at[1])};
     }
     return {};
 }
 
 End findEnd(const QByteArray &buffer, int start)
 {
-    if (start < 0 || start > buffer.size())
+    if (start < 0 || start >= buffer.size())
         return {};
     const quint8 *const bytes = bytesOf(buffer);
     const quint8 *const end = bytes + buffer.size();
-    for (const quint8 *at = findEscape(bytes + start, end); at != end; at = findEscape(at + 1, end)) {
-        if (end - at == 1)
-            return {-1, true};
-        if (at[1] == frame::kEtx)
-            return {int(at - bytes) + kMarkSize, false};
+    // By the second byte of the mark: a payload has fewer of them than doubled escapes.
+    for (const quint8 *at = find(frame::kEtx, bytes + start + 1, end); at != end;
+         at = find(frame::kEtx, at + 1, end)) {
+        if (at[-1] == frame::kDle)
+            return {int(at - bytes) + 1, false};
     }
-    return {};
+    return {-1, end[-1] == frame::kDle};
 }
 
 void unescape(QByteArray &buffer, int start, int end)
@@ -110,14 +116,18 @@ Check checkFrame(const QByteArray &buffer, int start, int end)
     return check;
 }
 
-QByteArray takePayload(QByteArray &rest, quint8 checkByte)
+int payloadSize(const QByteArray &bytes, int from, quint8 checkByte)
 {
-    const int tail = rest.size() - 3;
-    const bool closed = tail >= 0 && byteAt(rest, tail) == checkByte && byteAt(rest, tail + 1) == frame::kDle
-        && byteAt(rest, tail + 2) == frame::kEtx;
-    QByteArray payload = closed ? rest.left(tail) : rest;
-    rest = closed ? rest.mid(tail) : QByteArray();
-    return payload;
+    const int tail = bytes.size() - kTailSize;
+    const bool isClosed = tail >= from && byteAt(bytes, tail) == checkByte
+        && byteAt(bytes, tail + 1) == frame::kDle && byteAt(bytes, tail + 2) == frame::kEtx;
+    return (isClosed ? tail : bytes.size()) - from;
+}
+
+void startAnew(QByteArray &buffer)
+{
+    buffer.clear();
+    buffer.reserve(kMaxBufferedBytes);
 }
 
 } // namespace canbus::receive

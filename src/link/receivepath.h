@@ -15,6 +15,9 @@ constexpr int kMaxBufferedBytes = 2048;
 /// An opening or closing mark: an escape and what it marks.
 constexpr int kMarkSize = 2;
 
+/// What closes a frame: the check byte and the closing mark.
+constexpr int kTailSize = 1 + kMarkSize;
+
 /// Which mark the last search for a frame's start has found; at most one is set.
 struct Markers {
     bool nack = false;
@@ -54,9 +57,12 @@ struct Check {
 /// mark. Fails for a buffer of less than four bytes and for indices outside of it.
 Check checkFrame(const QByteArray &buffer, int start, int end);
 
-/// Takes the payload off the front of what follows a frame's MOD: everything, or everything before the
-/// check byte and the closing mark where exactly these come last.
-QByteArray takePayload(QByteArray &rest, quint8 checkByte);
+/// How many of a frame's bytes are its payload, from `from` on, where it begins: all, or all before the check
+/// byte and the closing mark where exactly these come last.
+int payloadSize(const QByteArray &bytes, int from, quint8 checkByte);
+
+/// Empties a buffer, and has it ready for whatever a pass does not throw away.
+void startAnew(QByteArray &buffer);
 
 /// What a parsing pass has come to.
 struct Pass {
@@ -84,7 +90,7 @@ Pass runPass(QByteArray &buffer, Steps &steps)
         return pass;
     if (buffer.size() > kMaxBufferedBytes) {
         pass.discarded = buffer.size();
-        buffer.clear();
+        startAnew(buffer);
         return pass;
     }
     int start = steps.onSearchDLE();

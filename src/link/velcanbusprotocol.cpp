@@ -1,5 +1,6 @@
 #include "velcanbusprotocol.h"
 
+#include "framedecoder.h"
 #include "frameformat.h"
 #include "player/canbusdatamap.h"
 #include "player/canbusplayer.h"
@@ -17,7 +18,10 @@ void FrameDataFormat::clear()
     id.clear();
     TP.clear();
     MOD.clear();
-    DATA.clear();
+    if (DATA.isDetached())
+        DATA.resize(0);
+    else
+        DATA.clear();
     CS = 0;
 }
 
@@ -131,7 +135,8 @@ void VelCanBusProtocol::onProcessingFrameData(int start, int end)
     // Of any two indices, those that are in the buffer.
     const QByteArray &buffer = CanBusReadBuff::instance()->data;
     const int from = std::clamp(start, 0, buffer.size());
-    d->frameBytes = buffer.mid(from, std::clamp(end, from, buffer.size()) - from);
+    d->frameBytes.resize(0);
+    d->frameBytes.append(buffer.constData() + from, std::clamp(end, from, buffer.size()) - from);
 }
 
 void VelCanBusProtocol::onCategoryDataProcessing()
@@ -156,15 +161,10 @@ void VelCanBusProtocol::onReceiveSaveData()
     QByteArray &rest = d->frameBytes;
     if (rest.isEmpty())
         return;
-    d->decoded.id = rest.left(1);
-    removeData1Bit(rest);
-    if (!rest.isEmpty())
-        d->decoded.TP = rest.left(1);
-    removeData1Bit(rest);
-    if (!rest.isEmpty())
-        d->decoded.MOD = rest.left(1);
-    removeData1Bit(rest);
-    d->decoded.DATA += receive::takePayload(rest, d->decoded.CS);
+    const int missing = receive::kFieldBytes - rest.size();
+    receive::decode(rest, d->decoded);
+    for (int i = 0; i < missing; ++i)
+        removeData1Bit(rest);
     d->counters().countReceivedFrame(firstByte(d->decoded.TP), d->decoded.DATA.size());
     d->decoded.LogFrameData();
     onAllocateData();

@@ -37,7 +37,7 @@ Q_SIGNALS:
     void received(QByteArray block);
 
 private:
-    CanBusReadBuff() = default;
+    CanBusReadBuff();
 };
 
 /// One decoded data frame. The protocol owns one and uses it for every frame; the parser thread alone
@@ -55,7 +55,7 @@ public:
                        << logging::hex(CS);
     }
 
-    /// Empties all fields.
+    /// Empties all fields. A payload that nobody else has keeps its storage for the next.
     void clear();
 
     QByteArray id;   ///< one byte, or none where the frame was too short

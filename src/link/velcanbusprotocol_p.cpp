@@ -10,6 +10,7 @@ namespace canbus {
 VelCanBusProtocolPrivate::VelCanBusProtocolPrivate(VelCanBusProtocol *protocol)
     : q(protocol)
 {
+    frameBytes.reserve(receive::kMaxBufferedBytes);
     m_clock.start();
 }
 

@@ -20,6 +20,9 @@ inline quint8 firstByte(const QByteArray &data)
     return byteAt(data, 0);
 }
 
+/// This byte alone. Nothing is allocated: all arrays of one value are the same one.
+QByteArray oneByte(quint8 value);
+
 /// The 16-bit number whose most significant byte stands at `index`.
 inline int bigEndian16At(const QByteArray &data, int index)
 {

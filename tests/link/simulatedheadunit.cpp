@@ -123,8 +123,7 @@ void SimulatedHeadUnit::onCategoryDataProcessing()
 void SimulatedHeadUnit::takeData()
 {
     m_lastId = m_frame.left(1);
-    QByteArray rest = m_frame.mid(3);
-    const QByteArray payload = receive::takePayload(rest, m_check);
+    const QByteArray payload = m_frame.mid(3, receive::payloadSize(m_frame, 3, m_check));
     const quint8 category = byteAt(m_frame, 1);
     reports.append({category, byteAt(m_frame, 2), payload});
     if (category == 0x01)
