@@ -12,13 +12,26 @@ using namespace canbus;
 
 namespace {
 
-void compareSplitting(const QByteArray &bytes)
+/// What the bytes are by the book.
+struct Plain {
+    explicit Plain(const QByteArray &bytes)
+        : texts(plaintexts::split(bytes))
+        , raw(plaintexts::decoded(plaintexts::upToZero(bytes)))
+        , cleaned(plaintexts::cleaned(raw))
+    {
+    }
+
+    QStringList texts;
+    QString raw; ///< the title, as it is compared
+    QString cleaned;
+};
+
+void compareSplitting(const QByteArray &bytes, const Plain &plain)
 {
-    const QStringList plain = plaintexts::split(bytes);
-    fuzz::check(textsIn(bytes) == plain, "texts are what stands before each zero byte, cleaned");
+    fuzz::check(textsIn(bytes) == plain.texts, "texts are what stands before each zero byte, cleaned");
     QStringList list {QStringLiteral("before")};
     CanBusPlayer::instance()->onSplitEOFstrings(list, bytes);
-    fuzz::check(list == QStringList {QStringLiteral("before")} + plain, "the list is appended to");
+    fuzz::check(list == QStringList {QStringLiteral("before")} + plain.texts, "the list is appended to");
 }
 
 void compareCleaning(const QByteArray &bytes, int from)
@@ -30,24 +43,22 @@ void compareCleaning(const QByteArray &bytes, int from)
     fuzz::check(text == plaintexts::cleaned(decoded), "replacement characters go, and nothing else");
 }
 
-void compareTitle(const QByteArray &bytes, const QString &before)
+void compareTitle(const QByteArray &bytes, const Plain &plain, const QString &before)
 {
-    const QString raw = plaintexts::decoded(plaintexts::upToZero(bytes));
-    const bool isNews = !bytes.isEmpty() && (raw != before || raw.isEmpty());
+    const bool isNews = !bytes.isEmpty() && (plain.raw != before || plain.raw.isEmpty());
     QString stored = before;
     fuzz::check(takeTitle(CANBUS_HERE, stored, bytes) == isNews,
                 "a title is news when it changes or is empty");
-    fuzz::check(stored == (isNews ? plaintexts::cleaned(raw) : before), "and stored cleaned");
+    fuzz::check(stored == (isNews ? plain.cleaned : before), "and stored cleaned");
 }
 
-void compareTexts(const QByteArray &bytes, const QStringList &before)
+void compareTexts(const QByteArray &bytes, const Plain &plain, const QStringList &before)
 {
-    const QStringList plain = plaintexts::split(bytes);
-    const bool isNews = !bytes.isEmpty() && (plain != before || plain.isEmpty());
+    const bool isNews = !bytes.isEmpty() && (plain.texts != before || plain.texts.isEmpty());
     QStringList stored = before;
     fuzz::check(takeTexts(CANBUS_HERE, stored, bytes) == isNews,
                 "texts are news when they change or are none");
-    fuzz::check(stored == (isNews ? plain : before), "and stored");
+    fuzz::check(stored == (isNews ? plain.texts : before), "and stored");
 }
 
 int bitOf(quint8 value, int position)
@@ -72,6 +83,7 @@ void compareStates(quint8 value, const int (&at)[4])
 void compareEscaping(const QByteArray &bytes)
 {
     QByteArray frame;
+    frame.reserve(2 * bytes.size());
     for (const char byte : bytes)
         CanBusPlayer::instance()->onEscapeFrameHeader(byte, frame);
     QByteArray plain(bytes.constData(), bytes.size());
@@ -98,13 +110,13 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 
     compareStates(value, positions);
     compareEscaping(bytes);
-    compareSplitting(bytes);
+    const Plain plain(bytes);
+    compareSplitting(bytes, plain);
     compareCleaning(bytes, value & 0x0F);
     // What is stored already: nothing, the same, the same before it is cleaned.
-    for (const QString &before : {QString(), plaintexts::cleaned(plaintexts::decoded(bytes)),
-                                  plaintexts::decoded(plaintexts::upToZero(bytes))})
-        compareTitle(bytes, before);
-    for (const QStringList &before : {QStringList(), plaintexts::split(bytes), QStringList {QString()}})
-        compareTexts(bytes, before);
+    for (const QString &before : {QString(), plain.cleaned, plain.raw})
+        compareTitle(bytes, plain, before);
+    for (const QStringList &before : {QStringList(), plain.texts, QStringList {QString()}})
+        compareTexts(bytes, plain, before);
     return 0;
 }
