@@ -51,6 +51,15 @@ int openEndingSignals()
     return signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK);
 }
 
+/// The panel's window is as large as the panel, whose sizes follow those of the head unit's window.
+void fit(QQuickWindow *window, QQuickItem *panel)
+{
+    const auto resize = [window, panel] { window->resize(panel->size().toSize()); };
+    QObject::connect(panel, &QQuickItem::widthChanged, window, resize);
+    QObject::connect(panel, &QQuickItem::heightChanged, window, resize);
+    panel->setParentItem(window->contentItem());
+}
+
 void openWindow(QQuickWindow *window, const QString &title, const QSize &size)
 {
     window->setTitle(title);
@@ -77,8 +86,9 @@ int showUnit(Unit *unit, const Options &options)
         auto *const item = qobject_cast<QQuickItem *>(panel.get());
         if (!item)
             return fail(kFailure, error);
-        item->setParentItem(panelWindow.contentItem());
+        fit(&panelWindow, item);
         openWindow(&panelWindow, QStringLiteral("The simulated car"), item->size().toSize());
+        panelWindow.setPosition(window.geometry().topRight() + QPoint(24, 0));
     }
     const int status = QCoreApplication::exec();
     unit->screen()->setParentItem(nullptr);

@@ -91,6 +91,7 @@ private:
         m_options->scenario = value("scenario");
         m_options->isNight = isSet("night");
         m_options->screenshots = value("screenshot");
+        m_options->parks = m_options->hasPanel || isSet("screenshot");
         m_options->wantsHelp = isSet("help");
         m_options->wantsVersion = isSet("version");
     }

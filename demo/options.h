@@ -15,6 +15,7 @@ struct Options {
     int baud = 57600;
     bool simulates = false; ///< has a simulated box of its own in the place of a port
     bool hasPanel = false;  ///< and a window that plays the car
+    bool parks = false;     ///< the simulated car stands, where no scenario is named
     QString scenario;       ///< file for the simulated box, or empty
     QString page = QStringLiteral("climate");
     bool isNight = false;

@@ -1,5 +1,6 @@
 #include "unit.h"
 
+#include "dialface.h"
 #include "errors.h"
 #include "port.h"
 
@@ -50,12 +51,11 @@ Unit::~Unit() = default;
 
 bool Unit::startBox(QString *error)
 {
-    const bool parks = m_options.hasPanel || !m_options.screenshots.isEmpty();
     m_box = std::make_unique<SimulatedBox>();
     QObject::connect(m_box.get(), &SimulatedBox::reverseChanged, &m_host, &Host::setReverse);
     m_options.port = m_box->port();
-    return m_box->begin(parks ? SimulatedBox::Car::Parks : SimulatedBox::Car::Drives, m_options.scenario,
-                        error);
+    return m_box->begin(m_options.parks ? SimulatedBox::Car::Parks : SimulatedBox::Car::Drives,
+                        m_options.scenario, error);
 }
 
 bool Unit::start(QString *error)
@@ -69,6 +69,7 @@ bool Unit::start(QString *error)
     qmlRegisterSingletonInstance(kModule, 1, 0, "Host", &m_host);
     if (m_box)
         qmlRegisterSingletonInstance(kModule, 1, 0, "Box", m_box.get());
+    qmlRegisterType<DialFace>(kModule, 1, 0, "DialFace");
     m_engine = std::make_unique<QQmlEngine>();
     addOwnModules(m_engine.get());
     const QVariantMap properties {{QStringLiteral("page"), m_options.page},

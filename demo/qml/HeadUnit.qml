@@ -5,14 +5,13 @@ import CanBus.HeadUnit 1.0
 import "style"
 import "focus.js" as Focus
 
-// The whole screen, drawn for 1024x600 and scaled to what there is.
+// The whole screen.
 FocusScope {
     id: unit
 
     property string page: "climate"
     property bool night: true
     property string pageBefore
-    readonly property real fit: Math.min(width / 1024, height / 600)
     readonly property bool parkingIsOffered: rail.isOffered("parking")
     // Everything that the box has to tell has arrived.
     readonly property bool filled: LinkState.connected && ScreensState.valid && ClimateState.valid && MenuState.valid
@@ -79,6 +78,13 @@ FocusScope {
         value: unit.night
     }
 
+    Binding {
+        target: Theme
+        property: "unit"
+        value: Math.min(unit.width / 1024, unit.height / 600)
+        when: unit.width > 0
+    }
+
     Connections {
         function onReverseChanged() {
             unit.followGear()
@@ -107,15 +113,12 @@ FocusScope {
     Item {
         id: screen
 
-        width: unit.width / unit.fit
-        height: unit.height / unit.fit
-        transformOrigin: Item.TopLeft
-        scale: unit.fit
+        anchors.fill: parent
 
         Rail {
             id: rail
 
-            width: 104
+            width: Theme.px(104)
             height: parent.height
             current: unit.page
             onChosen: unit.show(name)
@@ -124,7 +127,7 @@ FocusScope {
         StatusBar {
             anchors.left: rail.right
             anchors.right: parent.right
-            height: 60
+            height: Theme.px(60)
             title: loader.item ? loader.item.title : ""
             onNightTapped: unit.night = !unit.night
         }
@@ -136,7 +139,7 @@ FocusScope {
             anchors.left: rail.right
             anchors.right: parent.right
             anchors.bottom: parent.bottom
-            height: parent.height - 60
+            height: parent.height - Theme.px(60)
             source: "pages/" + unit.page.charAt(0).toUpperCase() + unit.page.slice(1) + "Page.qml"
         }
     }

@@ -16,7 +16,7 @@ Rectangle {
 
     Label {
         anchors.left: parent.left
-        anchors.leftMargin: 22
+        anchors.leftMargin: Theme.px(22)
         anchors.right: things.left
         anchors.verticalCenter: parent.verticalCenter
         text: bar.title
@@ -28,17 +28,17 @@ Rectangle {
         id: things
 
         anchors.right: parent.right
-        anchors.rightMargin: 20
+        anchors.rightMargin: Theme.px(20)
         height: parent.height
-        spacing: 18
+        spacing: Theme.px(18)
 
         Rectangle {
             objectName: "reverseSign"
             anchors.verticalCenter: parent.verticalCenter
             visible: Host.reverse
-            width: 44
-            height: 40
-            radius: 8
+            width: Theme.px(44)
+            height: Theme.px(40)
+            radius: Theme.px(8)
             color: Theme.alarm
 
             Label {
@@ -52,13 +52,13 @@ Rectangle {
 
         Row {
             anchors.verticalCenter: parent.verticalCenter
-            spacing: 9
+            spacing: Theme.px(9)
 
             Rectangle {
                 anchors.verticalCenter: parent.verticalCenter
-                width: 14
-                height: 14
-                radius: 7
+                width: Theme.px(14)
+                height: Theme.px(14)
+                radius: Theme.px(7)
                 color: LinkState.connected ? Theme.good : Theme.alarm
             }
 
@@ -77,7 +77,7 @@ Rectangle {
             objectName: "night"
             width: Theme.touch
             height: parent.height
-            radius: 4
+            radius: Theme.px(4)
             onTapped: bar.nightTapped()
 
             Rectangle {

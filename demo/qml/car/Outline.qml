@@ -6,7 +6,7 @@ ShapePath {
     property alias path: svg.path
 
     joinStyle: ShapePath.RoundJoin
-    strokeWidth: 0
+    strokeWidth: -1
 
     PathSvg {
         id: svg

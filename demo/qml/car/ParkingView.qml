@@ -9,14 +9,14 @@ Item {
     property var rear: []
     property var leftSide: []
     property var rightSide: []
-    readonly property real carScale: 0.62
+    readonly property real carScale: 0.62 * Theme.unit
     readonly property real carWidth: 130 * carScale
     readonly property real carHeight: 400 * carScale
-    readonly property real pitch: 19
-    readonly property real sidePitch: 30
-    readonly property real inner: 122
-    readonly property real spread: 29 // degrees for each zone
-    readonly property real zoneHeight: carHeight * 0.82 / 4
+    readonly property real pitch: Theme.px(19)
+    readonly property real sidePitch: Theme.px(30)
+    readonly property real inner: Theme.px(122)
+    readonly property real spread: 25 // degrees for each zone
+    readonly property real zoneHeight: (carHeight - Theme.px(76)) / 4
 
     function valueOf(list, index) {
         return list[index] === undefined ? 255 : list[index]
@@ -32,7 +32,7 @@ Item {
 
         ArcZone {
             x: view.width / 2
-            y: view.height / 2 - view.carHeight / 2 + 104
+            y: view.height / 2 - view.carHeight / 2 + Theme.px(104)
             value: view.valueOf(view.front, index)
             inner: view.inner
             pitch: view.pitch
@@ -46,7 +46,7 @@ Item {
 
         ArcZone {
             x: view.width / 2
-            y: view.height / 2 + view.carHeight / 2 - 104
+            y: view.height / 2 + view.carHeight / 2 - Theme.px(104)
             value: view.valueOf(view.rear, index)
             inner: view.inner
             pitch: view.pitch
@@ -62,9 +62,9 @@ Item {
             readonly property int zone: index % 4
 
             isLeft: index < 4
-            x: view.width / 2 + (isLeft ? -view.carWidth / 2 - 22 - width : view.carWidth / 2 + 22)
-            y: view.height / 2 + (zone - 2) * view.zoneHeight + 2
-            height: view.zoneHeight - 4
+            x: view.width / 2 + (isLeft ? -view.carWidth / 2 - Theme.px(22) - width : view.carWidth / 2 + Theme.px(22))
+            y: view.height / 2 + (zone - 2) * view.zoneHeight + Theme.px(2)
+            height: view.zoneHeight - Theme.px(4)
             pitch: view.sidePitch
             value: view.valueOf(isLeft ? view.leftSide : view.rightSide, zone)
         }

@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import "../style"
 
 // A zone beside the car: four bands, the nearest one at the side of the car.
 Item {
@@ -6,7 +7,7 @@ Item {
 
     property int value: 255
     property bool isLeft: true
-    property real pitch: 18
+    property real pitch: Theme.px(18)
     readonly property int reached: Distance.band(value)
 
     width: Distance.bands * pitch
@@ -15,10 +16,10 @@ Item {
         model: Distance.bands
 
         Rectangle {
-            x: zone.isLeft ? zone.width - (index + 1) * zone.pitch + 4 : index * zone.pitch
-            width: zone.pitch - 4
+            x: zone.isLeft ? zone.width - (index + 1) * zone.pitch + Theme.px(4) : index * zone.pitch
+            width: zone.pitch - Theme.px(4)
             height: zone.height
-            radius: 3
+            radius: Theme.px(3)
             color: Distance.bandColor(index, zone.reached)
         }
     }

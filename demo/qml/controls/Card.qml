@@ -3,8 +3,8 @@ import "../style"
 
 // A surface that holds what belongs together.
 Rectangle {
-    radius: Theme.radius + 4
+    radius: Theme.radius + Theme.px(4)
     color: Theme.surface
-    border.width: 1
+    border.width: Theme.px(1)
     border.color: Theme.night ? "transparent" : Theme.line
 }

@@ -56,7 +56,7 @@ Item {
     Label {
         anchors.left: parent.left
         anchors.top: parent.top
-        height: 24
+        height: Theme.px(24)
         text: bar.text
         font.pixelSize: Theme.smallText
         color: Theme.textDim
@@ -65,7 +65,7 @@ Item {
     Label {
         anchors.right: parent.right
         anchors.top: parent.top
-        height: 24
+        height: Theme.px(24)
         text: bar.shown < 0 ? "--" : bar.shown
         font.pixelSize: Theme.bodyText
         font.weight: Font.DemiBold
@@ -77,17 +77,17 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 10
-        height: 16
-        radius: 8
+        anchors.bottomMargin: Theme.px(10)
+        height: Theme.px(16)
+        radius: Theme.px(8)
         color: Theme.sunken
-        border.width: 1
+        border.width: Theme.px(1)
         border.color: Theme.line
 
         Rectangle {
             width: Math.max(parent.height, knob.x + knob.width / 2)
             height: parent.height
-            radius: 8
+            radius: Theme.px(8)
             color: Theme.tinted(bar.color, 0.75)
             visible: bar.shown > 0
         }
@@ -97,11 +97,11 @@ Item {
 
             x: Math.max(0, bar.shown) / bar.maximum * (groove.width - width)
             anchors.verticalCenter: parent.verticalCenter
-            width: 30
-            height: 30
-            radius: 15
+            width: Theme.px(30)
+            height: Theme.px(30)
+            radius: Theme.px(15)
             color: bar.down ? bar.color : Theme.raised
-            border.width: 3
+            border.width: Theme.px(3)
             border.color: bar.shown < 0 ? Theme.line : bar.color
         }
     }
@@ -128,11 +128,11 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        anchors.margins: -4
+        anchors.margins: -Theme.px(4)
         visible: bar.activeFocus && Theme.showsFocus
         radius: Theme.radius
         color: "transparent"
-        border.width: 3
+        border.width: Theme.px(3)
         border.color: Theme.accent
     }
 }

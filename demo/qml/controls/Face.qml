@@ -8,6 +8,6 @@ Rectangle {
     anchors.fill: parent
     radius: Theme.radius
     color: down ? Theme.down : Theme.raised
-    border.width: 1
+    border.width: Theme.px(1)
     border.color: down ? Theme.accent : Theme.line
 }

@@ -8,7 +8,7 @@ Item {
 
     property string path
     property color color: Theme.text
-    property int size: 28
+    property int size: Theme.px(28)
     property real thickness: 1.9
 
     implicitWidth: size

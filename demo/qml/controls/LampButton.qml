@@ -20,20 +20,20 @@ PressArea {
 
     Column {
         anchors.centerIn: parent
-        anchors.verticalCenterOffset: button.hasLamp ? -4 : 0
-        spacing: 3
+        anchors.verticalCenterOffset: button.hasLamp ? -Theme.px(4) : 0
+        spacing: Theme.px(3)
 
         Icon {
             anchors.horizontalCenter: parent.horizontalCenter
             visible: button.icon !== ""
             path: button.icon
-            size: 26
+            size: Theme.px(26)
             color: button.hasLamp && button.lamp > 0 ? button.lampColor : Theme.text
         }
 
         Label {
             anchors.horizontalCenter: parent.horizontalCenter
-            width: Math.min(implicitWidth, button.width - 10)
+            width: Math.min(implicitWidth, button.width - Theme.px(10))
             visible: text !== ""
             text: button.text
             font.pixelSize: Theme.smallText
@@ -43,12 +43,12 @@ PressArea {
 
     Rectangle {
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 6
+        anchors.bottomMargin: Theme.px(6)
         anchors.horizontalCenter: parent.horizontalCenter
         visible: button.hasLamp
-        width: Math.min(44, parent.width * 0.4)
-        height: 4
-        radius: 2
+        width: Math.min(Theme.px(44), parent.width * 0.4)
+        height: Theme.px(4)
+        radius: Theme.px(2)
         color: button.lampColor
     }
 }

@@ -25,31 +25,31 @@ Item {
         objectName: "notLive"
         anchors.centerIn: parent
         visible: !page.live && page.dimsContent
-        width: notice.width + 56
-        height: 72
-        radius: 36
+        width: notice.width + Theme.px(56)
+        height: Theme.px(72)
+        radius: Theme.px(36)
         color: Theme.raised
-        border.width: 2
+        border.width: Theme.px(2)
         border.color: Theme.caution
 
         Row {
             id: notice
 
             anchors.centerIn: parent
-            spacing: 12
+            spacing: Theme.px(12)
 
             Icon {
                 anchors.verticalCenter: parent.verticalCenter
                 path: Icons.warning
                 color: Theme.caution
-                size: 30
+                size: Theme.px(30)
             }
 
             Label {
                 anchors.verticalCenter: parent.verticalCenter
                 text: page.valid ? "No link: these are the last values" : page.stale ? "Waiting for the box"
                                                                                      : "Nothing received yet"
-                font.pixelSize: Theme.bodyText + 2
+                font.pixelSize: Theme.bodyText + Theme.px(2)
                 font.weight: Font.DemiBold
             }
         }

@@ -65,12 +65,12 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        anchors.margins: -4
+        anchors.margins: -Theme.px(4)
         z: 10
         visible: area.activeFocus && Theme.showsFocus
-        radius: area.radius + 4
+        radius: area.radius + Theme.px(4)
         color: "transparent"
-        border.width: 3
+        border.width: Theme.px(3)
         border.color: Theme.accent
     }
 }

@@ -17,7 +17,7 @@ PressArea {
     }
 
     Rectangle {
-        width: 5
+        width: Theme.px(5)
         height: parent.height
         visible: button.current
         color: Theme.accent
@@ -25,12 +25,12 @@ PressArea {
 
     Column {
         anchors.centerIn: parent
-        spacing: 5
+        spacing: Theme.px(5)
 
         Icon {
             anchors.horizontalCenter: parent.horizontalCenter
             path: button.icon
-            size: 32
+            size: Theme.px(32)
             color: button.current ? Theme.accent : Theme.textDim
         }
 

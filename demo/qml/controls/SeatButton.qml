@@ -17,25 +17,25 @@ PressArea {
     Icon {
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.top: parent.top
-        anchors.topMargin: 10
+        anchors.topMargin: Theme.px(10)
         path: button.icon
-        size: 32
+        size: Theme.px(32)
         color: button.level > 0 ? button.color : Theme.text
     }
 
     Row {
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 9
-        spacing: 3
+        anchors.bottomMargin: Theme.px(9)
+        spacing: Theme.px(3)
 
         Repeater {
             model: button.levels
 
             Rectangle {
-                width: (button.width - 24 - 3 * (button.levels - 1)) / button.levels
-                height: 7
-                radius: 2
+                width: (button.width - Theme.px(24) - Theme.px(3) * (button.levels - 1)) / button.levels
+                height: Theme.px(7)
+                radius: Theme.px(2)
                 color: index < button.level ? button.color : Theme.line
             }
         }

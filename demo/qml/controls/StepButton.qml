@@ -16,7 +16,7 @@ PressArea {
     Icon {
         anchors.centerIn: parent
         path: button.icon
-        size: 28
+        size: Theme.px(28)
         thickness: 2.4
     }
 }

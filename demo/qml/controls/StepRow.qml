@@ -13,13 +13,13 @@ Row {
     property alias color: bar.color
     property alias plusLamp: plusButton.lamp
     property alias minusLamp: minusButton.lamp
-    property int stepWidth: 76
+    property int stepWidth: Theme.px(76)
 
     signal plus(bool isPress)
     signal minus(bool isPress)
     signal chosen(int value)
 
-    spacing: 18
+    spacing: Theme.px(18)
 
     StepButton {
         id: minusButton

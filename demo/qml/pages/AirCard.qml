@@ -21,7 +21,7 @@ Card {
 
             LampButton {
                 objectName: "onOff"
-                width: 104
+                width: Theme.px(104)
                 height: parent.height
                 icon: Icons.power
                 text: ClimateState.systemOn ? "On" : "Off"
@@ -32,7 +32,7 @@ Card {
             VentButton {
                 objectName: "ventPos"
                 anchors.right: parent.right
-                width: parent.width - 104 - Theme.gap
+                width: parent.width - Theme.px(104) - Theme.gap
                 height: parent.height
                 position: ClimateState.ventPosition
                 lamp: card.lamp(18)

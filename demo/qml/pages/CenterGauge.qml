@@ -14,10 +14,10 @@ PressArea {
     property int peak: 0
     property bool shift: false
     readonly property color peakColor: Theme.peak(peak)
-    readonly property real labelRadius: dial.width / 2 - dial.thickness - 24
+    readonly property real labelRadius: dial.width / 2 - dial.thickness - Theme.px(24)
     readonly property string number: valueText.split(" ")[0]
 
-    radius: Theme.radius + 4
+    radius: Theme.radius + Theme.px(4)
 
     Card {
         anchors.fill: parent
@@ -27,7 +27,7 @@ PressArea {
 
     ShiftLight {
         anchors.top: parent.top
-        anchors.topMargin: 14
+        anchors.topMargin: Theme.px(14)
         anchors.horizontalCenter: parent.horizontalCenter
         level: gauge.peak
         on: gauge.shift
@@ -38,10 +38,10 @@ PressArea {
 
         anchors.horizontalCenter: parent.horizontalCenter
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: -10
-        width: Math.min(parent.width - 24, parent.height - 32)
+        anchors.bottomMargin: -Theme.px(10)
+        width: Math.min(parent.width - Theme.px(24), parent.height - Theme.px(32))
         height: width
-        thickness: 24
+        thickness: Theme.px(24)
         value: gauge.value
         zero: gauge.zero
         color: gauge.peakColor
@@ -64,7 +64,7 @@ PressArea {
 
     Column {
         anchors.centerIn: dial
-        anchors.verticalCenterOffset: 4
+        anchors.verticalCenterOffset: Theme.px(4)
         width: dial.width * 0.5
 
         Label {
@@ -78,7 +78,7 @@ PressArea {
         Label {
             width: parent.width
             text: gauge.number || (gauge.value < 0 ? "--" : gauge.value)
-            font.pixelSize: 78
+            font.pixelSize: Theme.px(78)
             font.weight: Font.Light
             horizontalAlignment: Text.AlignHCenter
         }

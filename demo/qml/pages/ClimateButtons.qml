@@ -34,7 +34,7 @@ Grid {
 
             objectName: modelData.name
             width: (grid.width - 5 * Theme.gap) / 6
-            height: 72
+            height: Theme.px(72)
             text: modelData.text || ClimateState.labels[modelData.label] || "Custom " + (modelData.label + 1)
             icon: modelData.icon
             hasLamp: modelData.lamp !== undefined

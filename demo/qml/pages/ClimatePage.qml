@@ -23,7 +23,7 @@ Page {
             id: leftZone
 
             objectName: "main"
-            width: 204
+            width: Theme.px(204)
             anchors.top: parent.top
             anchors.bottom: buttons.top
             anchors.bottomMargin: Theme.gap

@@ -28,7 +28,7 @@ Card {
         id: titleText
 
         anchors.top: parent.top
-        anchors.topMargin: 8
+        anchors.topMargin: Theme.px(8)
         anchors.horizontalCenter: parent.horizontalCenter
         text: zone.title
         color: Theme.textDim
@@ -40,9 +40,9 @@ Card {
 
         objectName: "plus"
         anchors.top: titleText.bottom
-        anchors.topMargin: 6
-        x: 12
-        width: parent.width - 24
+        anchors.topMargin: Theme.px(6)
+        x: Theme.px(12)
+        width: parent.width - Theme.px(24)
         icon: Icons.plus
         lamp: zone.plusLamp
         onBegan: zone.plus(true)
@@ -57,7 +57,7 @@ Card {
 
         Row {
             anchors.centerIn: parent
-            spacing: 3
+            spacing: Theme.px(3)
 
             Label {
                 id: number
@@ -70,7 +70,7 @@ Card {
 
             Label {
                 anchors.top: number.top
-                anchors.topMargin: 11
+                anchors.topMargin: Theme.px(11)
                 text: zone.temperature < 0 ? "" : zone.unitText(zone.unit)
                 font.pixelSize: Theme.bodyText
                 color: Theme.textDim
@@ -83,9 +83,9 @@ Card {
 
         objectName: "minus"
         anchors.bottom: seat.top
-        anchors.bottomMargin: 10
-        x: 12
-        width: parent.width - 24
+        anchors.bottomMargin: Theme.px(10)
+        x: Theme.px(12)
+        width: parent.width - Theme.px(24)
         icon: Icons.minus
         lamp: zone.minusLamp
         onBegan: zone.minus(true)
@@ -96,14 +96,14 @@ Card {
         id: seat
 
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 12
-        x: 12
+        anchors.bottomMargin: Theme.px(12)
+        x: Theme.px(12)
         spacing: Theme.gap
 
         SeatButton {
             objectName: "heat"
-            width: (zone.width - 24 - Theme.gap) / 2
-            height: 72
+            width: (zone.width - Theme.px(24) - Theme.gap) / 2
+            height: Theme.px(72)
             icon: Icons.seatHeat
             level: zone.heat
             color: Theme.warm
@@ -112,8 +112,8 @@ Card {
 
         SeatButton {
             objectName: "cool"
-            width: (zone.width - 24 - Theme.gap) / 2
-            height: 72
+            width: (zone.width - Theme.px(24) - Theme.gap) / 2
+            height: Theme.px(72)
             icon: Icons.seatCool
             level: zone.cool
             color: Theme.cool

@@ -11,7 +11,7 @@ PressArea {
     property string title
     property string valueText
 
-    radius: Theme.radius + 4
+    radius: Theme.radius + Theme.px(4)
 
     Card {
         anchors.fill: parent
@@ -23,9 +23,9 @@ PressArea {
         id: titleText
 
         anchors.top: parent.top
-        anchors.topMargin: 10
+        anchors.topMargin: Theme.px(10)
         anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(implicitWidth, parent.width - 16)
+        width: Math.min(implicitWidth, parent.width - Theme.px(16))
         text: gauge.title
         font.pixelSize: Theme.bodyText
         color: Theme.textDim
@@ -35,22 +35,21 @@ PressArea {
         id: dial
 
         anchors.top: titleText.bottom
-        anchors.topMargin: 6
+        anchors.topMargin: 0
         anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(parent.width - 24, parent.height - titleText.height - 20)
+        width: Math.min(parent.width - Theme.px(12), parent.height - titleText.height - Theme.px(8))
         height: width
-        thickness: 13
+        thickness: Theme.px(13)
         value: gauge.value
         zero: gauge.zero
     }
 
+    // As wide as it may be, whatever the text: a size that followed it would cost a second frame.
     Label {
         anchors.centerIn: dial
-        width: Math.min(implicitWidth, dial.width - 40)
+        width: dial.width - Theme.px(44)
         text: gauge.valueText || (gauge.value < 0 ? "--" : gauge.value)
-        font.pixelSize: 27
-        fontSizeMode: Text.HorizontalFit
-        minimumPixelSize: 18
+        font.pixelSize: text.length > 8 ? Theme.px(19) : Theme.px(26)
         font.weight: Font.DemiBold
         horizontalAlignment: Text.AlignHCenter
     }

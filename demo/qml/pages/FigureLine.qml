@@ -12,7 +12,7 @@ Item {
     Label {
         anchors.left: parent.left
         anchors.right: value.left
-        anchors.rightMargin: 6
+        anchors.rightMargin: Theme.px(6)
         anchors.verticalCenter: parent.verticalCenter
         text: line.title
         font.pixelSize: Theme.smallText - 1

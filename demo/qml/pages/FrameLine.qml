@@ -14,10 +14,10 @@ Item {
         id: when
 
         anchors.verticalCenter: parent.verticalCenter
-        width: 118
+        width: Theme.px(118)
         text: line.time
         font.family: Theme.mono
-        font.pixelSize: 15
+        font.pixelSize: Theme.px(15)
         color: Theme.textDim
     }
 
@@ -28,17 +28,17 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         path: line.sent ? "M12 21 L12 3 M5 10 L12 3 L19 10" : "M12 3 L12 21 M5 14 L12 21 L19 14"
         color: line.sent ? Theme.warm : Theme.good
-        size: 17
+        size: Theme.px(17)
         thickness: 3
     }
 
     Label {
         anchors.left: way.right
-        anchors.leftMargin: 12
+        anchors.leftMargin: Theme.px(12)
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
         text: line.hex
         font.family: Theme.mono
-        font.pixelSize: 15
+        font.pixelSize: Theme.px(15)
     }
 }

@@ -6,8 +6,8 @@ import "../style"
 Page {
     id: page
 
-    readonly property real side: 206
-    readonly property real buttonHeight: 72
+    readonly property real side: Theme.px(206)
+    readonly property real buttonHeight: Theme.px(72)
 
     function at(list, index, other) {
         return index < list.length ? list[index] : other

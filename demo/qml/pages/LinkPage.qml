@@ -36,24 +36,24 @@ Page {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: parent.top
-        height: 7 * 32 + 20
+        height: 7 * Theme.px(32) + Theme.px(20)
 
         Grid {
             anchors.fill: parent
-            anchors.margins: 10
-            anchors.leftMargin: 18
-            anchors.rightMargin: 18
+            anchors.margins: Theme.px(10)
+            anchors.leftMargin: Theme.px(18)
+            anchors.rightMargin: Theme.px(18)
             flow: Grid.TopToBottom
             rows: 7
             columns: 4
-            columnSpacing: 28
+            columnSpacing: Theme.px(28)
 
             Repeater {
                 model: page.rows
 
                 FigureLine {
-                    width: (figuresCard.width - 36 - 3 * 28) / 4
-                    height: 32
+                    width: (figuresCard.width - Theme.px(36) - 3 * Theme.px(28)) / 4
+                    height: Theme.px(32)
                     title: modelData[0]
                     text: page.textOf(modelData[1])
                 }
@@ -70,17 +70,17 @@ Page {
 
         ListView {
             objectName: "frames"
-            readonly property int lineHeight: 25
+            readonly property int lineHeight: Theme.px(25)
 
             anchors.centerIn: parent
-            width: parent.width - 36
-            height: Math.floor((parent.height - 16) / lineHeight) * lineHeight
+            width: parent.width - Theme.px(36)
+            height: Math.floor((parent.height - Theme.px(16)) / lineHeight) * lineHeight
             interactive: false
-            clip: true
             model: LinkState.frames
             delegate: FrameLine {
                 width: ListView.view.width
                 height: ListView.view.lineHeight
+                visible: (index + 1) * height <= ListView.view.height
                 time: model.time
                 sent: model.direction === "sent"
                 hex: model.hex

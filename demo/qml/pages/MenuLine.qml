@@ -12,22 +12,22 @@ PressArea {
 
     Face {
         down: line.down
-        border.width: line.chosen ? 2 : 1
+        border.width: line.chosen ? Theme.px(2) : Theme.px(1)
         border.color: line.chosen || line.down ? Theme.accent : Theme.line
     }
 
     Rectangle {
-        x: 12
+        x: Theme.px(12)
         anchors.verticalCenter: parent.verticalCenter
-        width: 6
-        height: parent.height - 32
-        radius: 3
+        width: Theme.px(6)
+        height: parent.height - Theme.px(32)
+        radius: Theme.px(3)
         color: line.chosen ? Theme.accent : Theme.line
     }
 
     Label {
         anchors.left: parent.left
-        anchors.leftMargin: 36
+        anchors.leftMargin: Theme.px(36)
         anchors.right: arrow.left
         anchors.verticalCenter: parent.verticalCenter
         text: line.text
@@ -38,7 +38,7 @@ PressArea {
         id: arrow
 
         anchors.right: parent.right
-        anchors.rightMargin: 22
+        anchors.rightMargin: Theme.px(22)
         anchors.verticalCenter: parent.verticalCenter
         visible: line.leads
         path: "M9 5 L16 12 L9 19"

@@ -42,7 +42,7 @@ Page {
             MenuLine {
                 objectName: "line" + index
                 width: lines.width
-                height: Math.min(96, (side.height - 2 * Theme.margin + Theme.gap) / page.count - Theme.gap)
+                height: Math.min(Theme.px(96), (side.height - 2 * Theme.margin + Theme.gap) / page.count - Theme.gap)
                 text: MenuState.texts[index + 1] || ""
                 chosen: page.menu[0] !== 0 && page.menu[1] === index
                 leads: page.menu[0] === 0
@@ -57,7 +57,7 @@ Page {
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.bottom: parent.bottom
-        width: 300
+        width: Theme.px(300)
 
         Column {
             anchors.fill: parent
@@ -67,7 +67,7 @@ Page {
             StepButton {
                 objectName: "plus"
                 width: parent.width
-                height: 88
+                height: Theme.px(88)
                 icon: Icons.plus
                 enabled: MenuState.plus
                 opacity: enabled ? 1 : 0.3
@@ -76,7 +76,7 @@ Page {
 
             Item {
                 width: parent.width
-                height: parent.height - 3 * 88 - 3 * Theme.gap
+                height: parent.height - 3 * Theme.px(88) - 3 * Theme.gap
 
                 Label {
                     anchors.centerIn: parent
@@ -92,7 +92,7 @@ Page {
             StepButton {
                 objectName: "minus"
                 width: parent.width
-                height: 88
+                height: Theme.px(88)
                 icon: Icons.minus
                 enabled: MenuState.minus
                 opacity: enabled ? 1 : 0.3
@@ -102,7 +102,7 @@ Page {
             LampButton {
                 objectName: "back"
                 width: parent.width
-                height: 88
+                height: Theme.px(88)
                 text: "Back"
                 icon: Icons.back
                 hasLamp: false

@@ -46,7 +46,7 @@ Page {
 
         anchors.right: parent.right
         anchors.top: parent.top
-        width: 250
+        width: Theme.px(250)
         spacing: Theme.gap
 
         Repeater {
@@ -68,7 +68,7 @@ Page {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        height: 72
+        height: Theme.px(72)
         labels: ParkingState.labels
         state1: ParkingState.labelState1
         state2: ParkingState.labelState2

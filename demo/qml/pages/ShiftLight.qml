@@ -9,15 +9,15 @@ Row {
     property bool on: false
     readonly property int count: 7
 
-    spacing: 6
+    spacing: Theme.px(6)
 
     Repeater {
         model: lights.count
 
         Rectangle {
-            width: 30
-            height: 12
-            radius: 6
+            width: Theme.px(30)
+            height: Theme.px(12)
+            radius: Theme.px(6)
             color: lights.on ? Theme.alarm : index <= lights.level ? Theme.peak(index) : Theme.line
         }
     }

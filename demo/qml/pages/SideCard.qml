@@ -15,19 +15,19 @@ Card {
 
     Rectangle {
         anchors.left: parent.left
-        anchors.leftMargin: 16
+        anchors.leftMargin: Theme.px(16)
         anchors.verticalCenter: parent.verticalCenter
-        width: 10
-        height: parent.height - 32
-        radius: 5
+        width: Theme.px(10)
+        height: parent.height - Theme.px(32)
+        radius: Theme.px(5)
         color: card.isClear ? Theme.line : Distance.color(card.band)
     }
 
     Column {
         anchors.left: parent.left
-        anchors.leftMargin: 42
+        anchors.leftMargin: Theme.px(42)
         anchors.verticalCenter: parent.verticalCenter
-        spacing: 2
+        spacing: Theme.px(2)
 
         Label {
             text: card.title
@@ -43,7 +43,7 @@ Card {
 
     Label {
         anchors.right: parent.right
-        anchors.rightMargin: 20
+        anchors.rightMargin: Theme.px(20)
         anchors.verticalCenter: parent.verticalCenter
         text: card.isClear ? "Clear" : card.value
         font.pixelSize: card.isClear ? Theme.bodyText : Theme.largeText

@@ -11,17 +11,17 @@ Item {
     property color color: Theme.good
     property string icon
 
-    height: 45
+    height: Theme.px(45)
 
     Rectangle {
         id: dot
 
         anchors.verticalCenter: parent.verticalCenter
         visible: line.icon === ""
-        x: 5
-        width: 14
-        height: 14
-        radius: 7
+        x: Theme.px(5)
+        width: Theme.px(14)
+        height: Theme.px(14)
+        radius: Theme.px(7)
         color: line.color
     }
 
@@ -29,14 +29,14 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         visible: line.icon !== ""
         path: line.icon
-        size: 26
+        size: Theme.px(26)
         color: line.color
     }
 
     Label {
         anchors.verticalCenter: parent.verticalCenter
-        x: 38
-        width: parent.width - x - value.width - 8
+        x: Theme.px(38)
+        width: parent.width - x - value.width - Theme.px(8)
         text: line.title
         color: Theme.textDim
     }

@@ -8,16 +8,16 @@ Card {
 
     property string title
     property string text
-    property int state: 3
+    property int condition: 3
 
-    width: 150
-    height: 92
-    border.width: state === 1 || state === 2 ? 3 : 1
-    border.color: state === 1 ? Theme.caution : state === 2 ? Theme.alarm : Theme.line
+    width: Theme.px(150)
+    height: Theme.px(92)
+    border.width: condition === 1 || condition === 2 ? Theme.px(3) : Theme.px(1)
+    border.color: condition === 1 ? Theme.caution : condition === 2 ? Theme.alarm : Theme.line
 
     Label {
         anchors.top: parent.top
-        anchors.topMargin: 10
+        anchors.topMargin: Theme.px(10)
         anchors.horizontalCenter: parent.horizontalCenter
         text: card.title
         font.pixelSize: Theme.smallText
@@ -26,12 +26,12 @@ Card {
 
     Label {
         anchors.bottom: parent.bottom
-        anchors.bottomMargin: 8
+        anchors.bottomMargin: Theme.px(8)
         anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(implicitWidth, parent.width - 12)
+        width: Math.min(implicitWidth, parent.width - Theme.px(12))
         text: card.text || "--"
-        font.pixelSize: 34
+        font.pixelSize: Theme.px(34)
         font.weight: Font.DemiBold
-        color: card.state === 1 ? Theme.caution : card.state === 2 ? Theme.alarm : Theme.text
+        color: card.condition === 1 ? Theme.caution : card.condition === 2 ? Theme.alarm : Theme.text
     }
 }

@@ -25,6 +25,7 @@ Page {
 
         CarTop {
             anchors.centerIn: parent
+            scale: Theme.unit
             doors: VehicleState.doors
             tires: VehicleState.tires
             hood: VehicleState.hood
@@ -36,10 +37,10 @@ Page {
 
             TireCard {
                 x: index % 2 === 0 ? Theme.margin : stage.width - width - Theme.margin
-                y: index < 2 ? 34 : stage.height - height - 34
+                y: index < 2 ? Theme.px(34) : stage.height - height - Theme.px(34)
                 title: modelData
                 text: VehicleState.tireTexts[index] || ""
-                state: VehicleState.tires[index] === undefined ? 3 : VehicleState.tires[index]
+                condition: VehicleState.tires[index] === undefined ? 3 : VehicleState.tires[index]
             }
         }
     }
@@ -50,13 +51,13 @@ Page {
         anchors.right: parent.right
         anchors.top: parent.top
         anchors.bottom: stage.bottom
-        width: 318
+        width: Theme.px(318)
 
         Column {
             anchors.verticalCenter: parent.verticalCenter
-            x: 20
-            width: parent.width - 40
-            spacing: 3
+            x: Theme.px(20)
+            width: parent.width - Theme.px(40)
+            spacing: Theme.px(3)
 
             StatusLine {
                 width: parent.width
@@ -125,7 +126,7 @@ Page {
         anchors.leftMargin: Theme.gap
         anchors.right: parent.right
         anchors.bottom: parent.bottom
-        height: 72
+        height: Theme.px(72)
         labels: VehicleState.labels
         state1: VehicleState.labelState1
         state2: VehicleState.labelState2

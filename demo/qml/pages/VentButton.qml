@@ -26,7 +26,7 @@ PressArea {
 
     Row {
         anchors.centerIn: parent
-        spacing: 4
+        spacing: Theme.px(4)
 
         Repeater {
             model: button.places
@@ -34,13 +34,13 @@ PressArea {
             Column {
                 readonly property bool open: button.isOpen(modelData.bit)
 
-                width: (button.width - 24) / 3
-                spacing: 3
+                width: (button.width - Theme.px(24)) / 3
+                spacing: Theme.px(3)
 
                 Icon {
                     anchors.horizontalCenter: parent.horizontalCenter
                     path: modelData.path
-                    size: 30
+                    size: Theme.px(30)
                     color: parent.open ? Theme.accent : Theme.textFaint
                 }
 

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QVector>
+
+#include <atomic>
+
+class QQuickWindow;
+
+namespace canbus::headunit {
+
+class Unit;
+
+/// What a page has cost.
+struct PageCost {
+    QString page;
+    int framesAtRest = 0;
+    int updates = 0;
+    int framesForUpdates = 0;
+    int allowedForUpdates = 0; ///< one for each update where a gauge is shown, none elsewhere
+
+    bool isGood() const { return framesAtRest == 0 && framesForUpdates <= allowedForUpdates; }
+};
+
+/// Counts what the scene graph draws, by its own signals.
+class FrameCount {
+public:
+    /// @param window  shows the unit
+    FrameCount(Unit *unit, QQuickWindow *window);
+
+    /// Waits until the box has told everything and nothing has been drawn for a while.
+    /// @return whether that came about
+    bool settle();
+
+    /// Measures one page.
+    /// @param restMs  how long it is watched at rest
+    /// @param updates  how many gauge updates it gets, each more than the 300 ms of their pace after the
+    /// other
+    PageCost measure(const QString &page, int restMs, int updates);
+
+private:
+    int framesWithin(int ms);
+    int framesAtRest(int ms);
+    bool update(int speed);
+
+    Unit *m_unit;
+    std::atomic<int> m_swapped {0};
+    std::atomic<int> m_rendered {0};
+};
+
+} // namespace canbus::headunit

@@ -1,0 +1,21 @@
+import QtQuick 2.15
+import CanBus.HeadUnit 1.0
+import "../controls"
+
+// A value of the simulated car, for one or more fields of the box.
+DragBar {
+    id: slider
+
+    property var fields: []
+    property int minimum: 0
+
+    function send(position) {
+        Box.send(fields.map(field => field + "=" + (minimum + position)).join(" "))
+    }
+
+    onChosen: {
+        slider.value = value
+        send(value)
+    }
+    Component.onCompleted: send(value)
+}
