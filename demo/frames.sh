@@ -2,7 +2,7 @@
 # Counts the frames that the head unit draws at rest and for gauge updates, page by page. Status 1: more is
 # drawn than has changed.
 #
-# frames.sh BUILD_FOLDER [--rest MS] [--updates N]
+# frames.sh BUILD_FOLDER [--rest MS] [--changes N]
 set -euo pipefail
 
 [ $# -ge 1 ] || {

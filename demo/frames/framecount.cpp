@@ -19,7 +19,6 @@ namespace {
 constexpr int kQuietMs = 700;
 constexpr int kSettleMs = 20000;
 constexpr int kPaceMs = 350; // above the 300 ms in which the library gathers updates
-constexpr int kUpdateMs = 5000;
 
 void letTimePass(int ms)
 {
@@ -37,6 +36,7 @@ FrameCount::FrameCount(Unit *unit, QQuickWindow *window)
         window, &QQuickWindow::frameSwapped, window, [this] { ++m_swapped; }, Qt::DirectConnection);
     QObject::connect(
         window, &QQuickWindow::afterRendering, window, [this] { ++m_rendered; }, Qt::DirectConnection);
+    countUpdates();
 }
 
 int FrameCount::framesWithin(int ms)
@@ -68,24 +68,27 @@ int FrameCount::framesAtRest(int ms)
     return least;
 }
 
-/// Lets the box report another speed. @return whether it has arrived
-bool FrameCount::update(int speed)
+/// The group announces texts, values and shift together, shift last.
+void FrameCount::countUpdates()
 {
-    QEventLoop loop;
-    bool hasArrived = false;
-    const auto connection =
-        QObject::connect(VelGaugesGroupCmd::instance(), &VelGaugesGroupCmd::updateGaugeValue, &loop, [&] {
-            hasArrived = true;
-            loop.quit();
-        });
-    QTimer::singleShot(kUpdateMs, &loop, &QEventLoop::quit);
-    m_unit->box()->send(QStringLiteral("measured.speed=%1").arg(speed));
-    loop.exec();
-    QObject::disconnect(connection);
-    return hasArrived;
+    VelGaugesGroupCmd *const gauges = VelGaugesGroupCmd::instance();
+    QObject::connect(gauges, &VelGaugesGroupCmd::updateGaugeValueText, m_unit->screen(),
+                     [this, last = QStringList()](const QStringList &texts) mutable {
+                         m_hasChanged = m_hasChanged || texts != last;
+                         last = texts;
+                     });
+    QObject::connect(gauges, &VelGaugesGroupCmd::updateGaugeValue, m_unit->screen(),
+                     [this, last = QList<int>()](const QList<int> &values) mutable {
+                         m_hasChanged = m_hasChanged || values != last;
+                         last = values;
+                     });
+    QObject::connect(gauges, &VelGaugesGroupCmd::updateGaugeShift, m_unit->screen(), [this] {
+        m_updates += m_hasChanged ? 1 : 0;
+        m_hasChanged = false;
+    });
 }
 
-PageCost FrameCount::measure(const QString &page, int restMs, int updates)
+PageCost FrameCount::measure(const QString &page, int restMs, int changes)
 {
     PageCost cost;
     cost.page = page;
@@ -95,10 +98,13 @@ PageCost FrameCount::measure(const QString &page, int restMs, int updates)
     if (page == QLatin1String("link"))
         return cost; // each update is traffic, which it shows
     const int before = m_swapped;
-    for (int i = 0; i < updates; ++i) {
-        cost.updates += update(20 + 10 * (i % 16)) ? 1 : 0;
+    m_updates = 0;
+    for (int i = 0; i < changes; ++i) {
+        m_unit->box()->send(QStringLiteral("measured.speed=%1").arg(20 + 10 * (i % 16)));
         letTimePass(kPaceMs);
     }
+    letTimePass(kQuietMs);
+    cost.updates = m_updates;
     cost.framesForUpdates = m_swapped - before;
     cost.allowedForUpdates = page == QLatin1String("gauges") ? cost.updates : 0;
     return cost;

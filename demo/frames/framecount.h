@@ -15,7 +15,7 @@ class Unit;
 struct PageCost {
     QString page;
     int framesAtRest = 0;
-    int updates = 0;
+    int updates = 0; ///< that the library has announced and that changed something
     int framesForUpdates = 0;
     int allowedForUpdates = 0; ///< one for each update where a gauge is shown, none elsewhere
 
@@ -34,16 +34,18 @@ public:
 
     /// Measures one page.
     /// @param restMs  how long it is watched at rest
-    /// @param updates  how many gauge updates it gets, each more than the 300 ms of their pace after the
-    /// other
-    PageCost measure(const QString &page, int restMs, int updates);
+    /// @param changes  how often the gauges change. The library announces a change at once, and 300 ms later
+    /// what it has gathered meanwhile: a text for the value that is there already.
+    PageCost measure(const QString &page, int restMs, int changes);
 
 private:
     int framesWithin(int ms);
     int framesAtRest(int ms);
-    bool update(int speed);
+    void countUpdates();
 
     Unit *m_unit;
+    int m_updates = 0;
+    bool m_hasChanged = false; // since the last update
     std::atomic<int> m_swapped {0};
     std::atomic<int> m_rendered {0};
 };
