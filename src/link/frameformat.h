@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QVarLengthArray>
 
 /// The frame format of the serial link: what a frame looks like and how one is built. Pure functions.
 ///
@@ -29,13 +30,28 @@ public:
     explicit FrameWriter(quint8 id);
 
     /// Appends a byte by the escaping rule.
-    FrameWriter &escaped(quint8 byte);
+    FrameWriter &escaped(quint8 byte)
+    {
+        if (byte == kDle)
+            append(byte);
+        return plain(byte);
+    }
 
     /// Appends every byte by the escaping rule.
-    FrameWriter &escaped(const QByteArray &bytes);
+    FrameWriter &escaped(const QByteArray &bytes)
+    {
+        for (const char byte : bytes)
+            escaped(quint8(byte));
+        return *this;
+    }
 
     /// Appends a byte as it is.
-    FrameWriter &plain(quint8 byte);
+    FrameWriter &plain(quint8 byte)
+    {
+        append(byte);
+        m_checkByte ^= byte;
+        return *this;
+    }
 
     /// The XOR of all unescaped bytes so far, the id included.
     quint8 checkByte() const { return m_checkByte; }
@@ -44,7 +60,10 @@ public:
     QByteArray finish();
 
 private:
-    QByteArray m_frame;
+    void append(quint8 byte) { m_frame.append(char(byte)); }
+
+    // Marks, id, TP, MOD, CS and a short payload: most commands fit without allocating.
+    QVarLengthArray<char, 32> m_frame;
     quint8 m_checkByte = 0;
 };
 
