@@ -91,8 +91,10 @@ void VelCanBusProtocol::onParseDataTmrout()
         return;
     d->inPass = true;
     QByteArray &buffer = CanBusReadBuff::instance()->data;
-    d->counters().bufferHighWater.raiseTo(quint64(buffer.size()));
-    d->counters().countPass(receive::runPass(buffer, *this));
+    if (!buffer.isEmpty()) {
+        d->counters().bufferHighWater.raiseTo(quint64(buffer.size()));
+        d->counters().countPass(receive::runPass(buffer, *this));
+    }
     d->carryOutTheRest();
     d->inPass = false;
 }
@@ -122,6 +124,8 @@ void VelCanBusProtocol::onRemoveEscapeFrameHeaders(int start, int end)
 
 bool VelCanBusProtocol::checkXOR(int start, int end)
 {
+    // Not emptied but let go of: another thread may have read, until a moment ago, what was handed over to it.
+    d->decoded.DATA.clear();
     d->decoded.clear();
     const receive::Check check = receive::checkFrame(CanBusReadBuff::instance()->data, start, end);
     d->decoded.CS = check.computed;

@@ -68,7 +68,7 @@ void VelCanBusProtocolPrivate::writeThrough(const QByteArray &block)
     act([&block](SendQueue &, LinkEffects &effects) { effects.push_back({LinkEffect::Write, block}); });
 }
 
-void VelCanBusProtocolPrivate::carryOutTheRest()
+void VelCanBusProtocolPrivate::carryOutAll()
 {
     quint64 end = 0;
     {
@@ -94,6 +94,7 @@ void VelCanBusProtocolPrivate::carryOutUpTo(quint64 end)
         const LinkEffect effect = std::move(m_effects.front());
         m_effects.pop_front();
         ++m_begunEffects;
+        noteWhatIsLeft();
         lock.unlock();
         perform(effect);
         lock.relock();

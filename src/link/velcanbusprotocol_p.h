@@ -11,6 +11,7 @@
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 
+#include <atomic>
 #include <functional>
 
 namespace canbus {
@@ -36,12 +37,18 @@ public:
             decide(m_queue, m_effects);
             counters().cacheHighWater.raiseTo(quint64(m_queue.cachedFrames()));
             end = decidedEffects();
+            noteWhatIsLeft();
         }
         carryOutUpTo(end);
     }
 
-    /// Carries out what has been decided until now and is left, unless another thread is at it.
-    void carryOutTheRest();
+    /// Carries out what has been decided until now and is left, unless another thread is at it. The parser
+    /// thread asks on every tick: so nothing is locked while nothing is left.
+    void carryOutTheRest()
+    {
+        if (m_isAnythingLeft.load(std::memory_order_relaxed))
+            carryOutAll();
+    }
 
     /// Reads the state of sending under its lock.
     template <class Read>
@@ -89,12 +96,16 @@ public:
 
 private:
     quint64 decidedEffects() const { return m_begunEffects + m_effects.size(); }
+    void noteWhatIsLeft() { m_isAnythingLeft.store(!m_effects.empty(), std::memory_order_relaxed); }
+    void carryOutAll();
     void carryOutUpTo(quint64 end);
     void perform(const LinkEffect &effect);
     QTimer *timerFor(LinkTimer timer);
 
     VelCanBusProtocol *const q;
     QMetaObject::Connection m_receivedBytes;
+
+    std::atomic<bool> m_isAnythingLeft {false}; // whether there are effects; changed under the lock
 
     QMutex m_mutex; // guards all below; taken by both threads, held for no call to others
     QByteArray m_testBytes;
