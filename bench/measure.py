@@ -1,10 +1,14 @@
 """Runs the measuring programs and reads what they found."""
 
+import os
 import pathlib
 import platform
 import re
 import subprocess
 import tempfile
+
+
+NOTHING = "nothing"
 
 
 class MeasureError(Exception):
@@ -31,19 +35,27 @@ def instruction_counts(folder):
             [
                 "valgrind", "--tool=callgrind", "--collect-atstart=no", "--dump-instr=no", "--quiet",
                 f"--callgrind-out-file={place / 'out'}", str(folder / "bench-counts"),
-            ]
+            ],
+            # What the dynamic linker does on a first call would come and go with the order of the cases.
+            env={**os.environ, "LD_BIND_NOW": "1"},
         )  # fmt: skip
         totals = dict(filter(None, map(total_in, place.iterdir())))
-    means, parts_of = {}, {}
-    for line in listing.splitlines():
-        repetitions, parts, case = line.split(" ", 2)
+    ran = [line.split(" ", 2) for line in listing.splitlines()]
+    for _, _, case in ran:
         if case not in totals:
             raise MeasureError(f"callgrind has no count of \"{case}\"")
-        means[case], parts_of[case] = totals[case] / int(repetitions), int(parts)
-    if "nothing" not in means:
+    # What stands before it is measured once for all repetitions.
+    names = [case for _, _, case in ran]
+    if NOTHING not in names:
         raise MeasureError("bench-counts has not measured what measuring costs")
-    own = means.pop("nothing")
-    return {case: round((mean - own) / parts_of[case], 1) for case, mean in means.items()}
+    counts, own = {}, 0
+    for repetitions, parts, case in ran:
+        mean = totals[case] / int(repetitions)
+        if case == NOTHING:
+            own = mean
+        else:
+            counts[case] = round((mean - own) / int(parts), 1)
+    return counts
 
 
 def total_in(path):
@@ -63,7 +75,7 @@ def facts(folder):
             found["built"][value] = name
         else:
             found[kind][name] = float(value)
-    found["allocations"].pop("nothing", None)
+    found["allocations"].pop(NOTHING, None)
     return found
 
 

@@ -8,9 +8,7 @@
 
 #include <atomic>
 #include <ctime>
-#include <optional>
 #include <thread>
-#include <utility>
 
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -22,15 +20,15 @@ namespace {
 /// Takes the place of the waits of one thread.
 struct Ticking {
     Loop loop;
-    int left;
+    int ticks;
     std::function<void()> begin;
     std::function<void()> end;
     QSemaphore done {};
-    bool hasBegun = false;
+    int slept = 0;
 };
 
 std::atomic<Ticking *> armed {nullptr};
-thread_local std::optional<Loop> runs;
+thread_local Loop runs = Loop::None;
 
 /// What the bare minimum is: what the parser thread does, and nobody to do it for.
 void loopBarely(QMutex &mutex, const QByteArray &data, const std::atomic<bool> &goesOn)
@@ -45,20 +43,24 @@ void loopBarely(QMutex &mutex, const QByteArray &data, const std::atomic<bool> &
     }
 }
 
-/// One of the ticks that are measured, if this thread's are. @return whether it is
-bool tick()
+/// Before the first of the ticks that are measured, and after the last.
+void beginOrEnd(Ticking &ticking)
 {
-    Ticking *const ticking = armed;
-    if (!ticking || runs != ticking->loop)
-        return false;
-    if (!std::exchange(ticking->hasBegun, true)) {
-        ticking->begin();
-    } else if (--ticking->left == 0) {
-        ticking->end();
-        armed = nullptr;
-        ticking->done.release();
+    if (ticking.slept == 1) {
+        ticking.begin();
+        return;
     }
-    return true;
+    ticking.end();
+    armed = nullptr;
+    ticking.done.release();
+}
+
+/// Takes part in what is measured. It is measured too, in place of the C library's wait: so it does little.
+void tick(Ticking &ticking)
+{
+    const int slept = ++ticking.slept;
+    if (slept == 1 || slept > ticking.ticks)
+        beginOrEnd(ticking);
 }
 
 void arm(Ticking &ticking)
@@ -67,14 +69,20 @@ void arm(Ticking &ticking)
     ticking.done.acquire();
 }
 
-} // namespace
-
 bool tickInsteadOfSleeping()
 {
-    if (!runs && QThread::currentThread()->objectName() == QLatin1String("CanbusTickThread"))
+    Ticking *const ticking = armed;
+    if (!ticking)
+        return false;
+    if (runs == Loop::None && QThread::currentThread()->objectName() == QLatin1String("CanbusTickThread"))
         runs = Loop::Library;
-    return runs && tick();
+    if (runs != ticking->loop)
+        return false;
+    tick(*ticking);
+    return true;
 }
+
+} // namespace
 
 void runIdleTicks(Loop loop, int ticks, const std::function<void()> &begin, const std::function<void()> &end)
 {

@@ -6,6 +6,7 @@ namespace bench {
 
 /// Whose idle loop is measured.
 enum class Loop {
+    None,
     Library, ///< the parser thread
     Bare,    ///< lock, look, unlock, sleep 10 ms
 };
