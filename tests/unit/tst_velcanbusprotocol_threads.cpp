@@ -1,6 +1,8 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
+#include "player/canbusdatamap.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtTest/QtTest>
 
 #include <algorithm>
@@ -139,6 +141,7 @@ private Q_SLOTS:
     void keepsTheOrderOfDecisionsOnTwoThreads();
     void keepsNobodyWaitingForASlotOfTheOtherThread();
     void startsAndStopsTimersFromTheParserThread();
+    void leavesAPayloadAloneThatAnotherThreadHasRead();
 };
 
 void VelCanBusProtocolThreadsTest::sendsInOrderWhatASlotOfAWriteDecides()
@@ -334,6 +337,41 @@ void VelCanBusProtocolThreadsTest::startsAndStopsTimersFromTheParserThread()
     // Qt warns of a timer that is touched from another thread.
     for (const LogLine &line : protocol.log().lines())
         QVERIFY2(line.type == QtDebugMsg, qPrintable(line.text));
+}
+
+/// The thread sanitizer looks for what is written to a payload here: so nothing but relaxed atomics, which
+/// order nothing, tells one thread of the other.
+void VelCanBusProtocolThreadsTest::leavesAPayloadAloneThatAnotherThreadHasRead()
+{
+    constexpr auto kUnordered = std::memory_order_relaxed;
+    HandDrivenProtocol protocol;
+    QThread listening;
+    QObject listener;
+    listener.moveToThread(&listening);
+    std::atomic<int> sum {0};
+    std::atomic<int> taken {0};
+    connect(protocol.get(), &CanbusProtocol::notifyClimateInfo, &listener,
+            [&](const QByteArray &, const QByteArray &data) {
+                sum.store(sum.load(kUnordered) + data.at(0), kUnordered);
+            });
+    connect(protocol.get(), &CanbusProtocol::onWritPortData, &listener,
+            [&] { taken.fetch_add(1, kUnordered); });
+    listening.start();
+    const QByteArray reports[] = {bytes("9f 02 21 03 00 01 23 9f 03"), bytes("9f 02 21 03 00 02 20 9f 03")};
+    for (int round = 0; round < 10; ++round) {
+        for (const QByteArray &report : reports) {
+            const int before = taken.load(kUnordered);
+            protocol.passOver(report);
+            CanBusDataMap::instance()->setData(3, {}); // the record shares the payload, too
+            const QDeadlineTimer deadline(kLongestWaitMs);
+            while (taken.load(kUnordered) == before && !deadline.hasExpired())
+                QThread::yieldCurrentThread();
+        }
+    }
+    listening.quit();
+    QVERIFY(listening.wait(kLongestWaitMs));
+    QCOMPARE(taken.load(), 20);
+    QCOMPARE(sum.load(), 30);
 }
 
 QTEST_GUILESS_MAIN(VelCanBusProtocolThreadsTest)
