@@ -1,0 +1,41 @@
+#include <QtCore/QFile>
+#include <QtTest/QtTest>
+
+namespace {
+
+QString contentOf(const QString &path)
+{
+    QFile file(QStringLiteral(CANBUS_SOURCE_DIR "/") + path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+} // namespace
+
+/// What docs/integration.md shows of the examples is what is there: people copy it.
+class TestIntegrationDocument : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void showsTheExamplesAsTheyAre_data();
+    void showsTheExamplesAsTheyAre();
+};
+
+void TestIntegrationDocument::showsTheExamplesAsTheyAre_data()
+{
+    QTest::addColumn<QString>("language");
+    QTest::newRow("examples/minimal-host/main.cpp") << "cpp";
+    QTest::newRow("examples/minimal-host/CMakeLists.txt") << "cmake";
+    QTest::newRow("examples/minimal-qml/main.qml") << "qml";
+}
+
+void TestIntegrationDocument::showsTheExamplesAsTheyAre()
+{
+    QFETCH(const QString, language);
+    const QString example = contentOf(QTest::currentDataTag());
+    QVERIFY(!example.isEmpty());
+    const QString document = contentOf(QStringLiteral("docs/integration.md"));
+    QVERIFY(document.contains(QStringLiteral("\n```%1\n%2```\n").arg(language, example)));
+}
+
+QTEST_GUILESS_MAIN(TestIntegrationDocument)
+#include "tst_integrationdocument.moc"

@@ -1,0 +1,252 @@
+#include "linkstate.h"
+
+#include <hexbytes.h>
+#include <pseudoterminal.h>
+
+#include <canbusplayer.h>
+#include <velcanbusprotocol.h>
+
+#include <QtCore/QMutexLocker>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QtTest>
+
+#include <memory>
+
+using namespace canbus;
+using canbus::qml::FramesModel;
+using canbus::qml::LinkState;
+
+namespace {
+
+/// A protocol that counts nothing and writes what the test wants.
+class PlainProtocol : public CanbusProtocol {
+public:
+    void analyseData(QByteArray) override { }
+};
+
+/// A protocol that nothing happens to.
+class QuietProtocol : public PlainProtocol {
+public:
+    LinkHealth *linkHealth() const override { return m_health.get(); }
+
+private:
+    std::unique_ptr<LinkHealth> m_health = std::make_unique<LinkHealth>();
+};
+
+/// What is no frame would wait there for the next test's.
+void clearReceiveBuffer()
+{
+    const QMutexLocker lock(&CanBusReadBuff::instance()->mutex);
+    CanBusReadBuff::instance()->data.clear();
+}
+
+QString hexOf(LinkState &link, int row)
+{
+    return link.frames()->data(link.frames()->index(row), FramesModel::HexRole).toString();
+}
+
+} // namespace
+
+/// When the link's state wakes up, and what it listens to.
+class TestLinkState : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void sleepsWhileNobodyListens();
+    void looksWhileSomebodyListens();
+    void takesNoShorterIntervalThan50Ms();
+    void announcesFiguresThatHaveChanged();
+    void announcesNoFiguresThatStayAsTheyAre();
+    void isValidOnceAFrameHasArrived();
+    void hasNoFiguresOfAProtocolThatCountsNone();
+    void waitsForAProtocolToRecord();
+    void recordsTheNextProtocol();
+    void doesNotRecordTheFormerProtocol();
+    void takesNothingThatWasUnderWayWhenRecordingEnded();
+    void recordsInTheOrderOfWriting();
+
+private:
+    void join(CanbusProtocol *protocol)
+    {
+        CanBusPlayer::instance()->setUartPort(m_line.name(), 57600);
+        CanBusPlayer::instance()->init(protocol);
+    }
+
+    PseudoTerminal m_line;
+};
+
+void TestLinkState::sleepsWhileNobodyListens()
+{
+    const LinkState link;
+    QVERIFY(!link.isRefreshing());
+    QVERIFY(link.figures().isEmpty());
+    QVERIFY(!link.isRefreshing());
+}
+
+void TestLinkState::looksWhileSomebodyListens()
+{
+    LinkState link;
+    link.setRefreshInterval(50);
+    {
+        const QSignalSpy others(&link, &LinkState::lastSentChanged);
+        QVERIFY(!link.isRefreshing());
+        const QSignalSpy figures(&link, &LinkState::figuresChanged);
+        QVERIFY(link.isRefreshing());
+    }
+    QTRY_VERIFY(!link.isRefreshing());
+}
+
+void TestLinkState::takesNoShorterIntervalThan50Ms()
+{
+    LinkState link;
+    QCOMPARE(link.refreshInterval(), 500);
+    const QSignalSpy changed(&link, &LinkState::refreshIntervalChanged);
+    link.setRefreshInterval(-1);
+    QCOMPARE(link.refreshInterval(), 50);
+    link.setRefreshInterval(0);
+    QCOMPARE(changed.count(), 1);
+    link.setRefreshInterval(2000);
+    QCOMPARE(link.refreshInterval(), 2000);
+    QCOMPARE(changed.count(), 2);
+}
+
+void TestLinkState::announcesFiguresThatHaveChanged()
+{
+    VelCanBusProtocol protocol;
+    join(&protocol);
+    LinkState link;
+    link.setRefreshInterval(50);
+    const QSignalSpy changed(&link, &LinkState::figuresChanged);
+    QCOMPARE(link.figures().value(QStringLiteral("receivedBytes")).toULongLong(), 0U);
+    QVERIFY(m_line.send(bytes("31 32 33")));
+    QTRY_COMPARE(link.figures().value(QStringLiteral("receivedBytes")).toULongLong(), 3U);
+    QTRY_VERIFY(!changed.isEmpty());
+    clearReceiveBuffer();
+}
+
+void TestLinkState::announcesNoFiguresThatStayAsTheyAre()
+{
+    QuietProtocol protocol;
+    join(&protocol);
+    LinkState link;
+    link.setRefreshInterval(50);
+    QVERIFY(!link.figures().isEmpty());
+    const QSignalSpy changed(&link, &LinkState::figuresChanged);
+    QTimer looks;
+    const QSignalSpy looked(&looks, &QTimer::timeout);
+    looks.start(50);
+    QTRY_VERIFY(looked.count() >= 5);
+    QVERIFY(link.isRefreshing());
+    QCOMPARE(changed.count(), 0);
+}
+
+void TestLinkState::isValidOnceAFrameHasArrived()
+{
+    VelCanBusProtocol protocol;
+    join(&protocol);
+    LinkState link;
+    link.setRefreshInterval(50);
+    const QSignalSpy changed(&link, &LinkState::figuresChanged);
+    QVERIFY(!link.isValid());
+    QVERIFY(m_line.send(bytes("9f 02 55 02 00 0d 5a 9f 03")));
+    QTRY_VERIFY(link.isValid());
+    QVERIFY(link.isStale());
+    QVERIFY(LinkState().isValid());
+}
+
+void TestLinkState::hasNoFiguresOfAProtocolThatCountsNone()
+{
+    PlainProtocol protocol;
+    join(&protocol);
+    const LinkState link;
+    QVERIFY(link.figures().isEmpty());
+    QVERIFY(!link.isValid());
+}
+
+void TestLinkState::waitsForAProtocolToRecord()
+{
+    LinkState link;
+    link.setRefreshInterval(50);
+    link.setRecording(true);
+    QVERIFY(link.isRefreshing());
+    PlainProtocol protocol;
+    join(&protocol);
+    QTRY_VERIFY(!link.isRefreshing());
+    Q_EMIT protocol.onWritPortData(bytes("9f 06 21 21 9f 03"));
+    QTRY_COMPARE(link.lastSent(), QStringLiteral("9f 06 21 21 9f 03"));
+}
+
+void TestLinkState::recordsTheNextProtocol()
+{
+    LinkState link;
+    link.setRefreshInterval(50);
+    auto first = std::make_unique<PlainProtocol>();
+    join(first.get());
+    link.setRecording(true);
+    QVERIFY(!link.isRefreshing());
+    first.reset();
+    QVERIFY(link.isRefreshing());
+    PlainProtocol second;
+    join(&second);
+    QTRY_VERIFY(!link.isRefreshing());
+    Q_EMIT second.onWritPortData(bytes("31"));
+    QTRY_COMPARE(link.lastSent(), QStringLiteral("31"));
+}
+
+void TestLinkState::doesNotRecordTheFormerProtocol()
+{
+    LinkState link;
+    link.setRefreshInterval(50);
+    PlainProtocol first;
+    PlainProtocol second;
+    join(&first);
+    link.setRecording(true);
+    join(&second);
+    // The next look finds the second.
+    const QSignalSpy figures(&link, &LinkState::figuresChanged);
+    Q_EMIT first.onWritPortData(bytes("31"));
+    QTRY_COMPARE(link.frames()->rowCount(), 1);
+    const auto isSecondHeard = [&] {
+        Q_EMIT second.onWritPortData(bytes("32"));
+        QCoreApplication::processEvents();
+        return link.lastSent() == QStringLiteral("32");
+    };
+    QTRY_VERIFY(isSecondHeard());
+    const int recorded = link.frames()->rowCount();
+    Q_EMIT first.onWritPortData(bytes("33"));
+    QCoreApplication::processEvents();
+    QCOMPARE(link.frames()->rowCount(), recorded);
+}
+
+void TestLinkState::takesNothingThatWasUnderWayWhenRecordingEnded()
+{
+    LinkState link;
+    PlainProtocol protocol;
+    join(&protocol);
+    link.setRecording(true);
+    Q_EMIT protocol.onWritPortData(bytes("31"));
+    Q_EMIT CanBusReadBuff::instance()->received(bytes("9f 06 21 21 9f 03"));
+    link.setRecording(false);
+    QCoreApplication::processEvents();
+    QCOMPARE(link.frames()->rowCount(), 0);
+    QVERIFY(!link.isRefreshing());
+}
+
+void TestLinkState::recordsInTheOrderOfWriting()
+{
+    LinkState link;
+    PlainProtocol protocol;
+    join(&protocol);
+    link.setRecording(true);
+    const std::unique_ptr<QThread> parser(
+        QThread::create([&] { Q_EMIT protocol.onWritPortData(bytes("31")); }));
+    parser->start();
+    QVERIFY(parser->wait());
+    Q_EMIT protocol.onWritPortData(bytes("32"));
+    QTRY_COMPARE(link.frames()->rowCount(), 2);
+    QCOMPARE(hexOf(link, 0), QStringLiteral("32"));
+    QCOMPARE(hexOf(link, 1), QStringLiteral("31"));
+}
+
+QTEST_GUILESS_MAIN(TestLinkState)
+#include "tst_linkstate.moc"
