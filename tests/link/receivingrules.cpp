@@ -64,9 +64,9 @@ void ReceivingRules::arrive(const QByteArray &block)
     m_reading.arrive(block);
     const bool isTooLong = block.size() > kLoopBackQuestion.size() && block.startsWith(kLoopBackQuestion);
     m_loopBacks += block.startsWith('1') && !isTooLong ? 1 : 0;
-    if (m_isWellFormed && hasEndInside(block))
-        m_isWellFormed = false;
-    if (!m_isWellFormed)
+    if (hasEndInside(block))
+        stopComparing();
+    if (!m_compares)
         return;
     const QVector<boxsim::WireFrame> frames = m_properReader.feed(block);
     for (const boxsim::WireFrame &frame : frames) {
@@ -82,9 +82,25 @@ bool ReceivingRules::hasEndInside(const QByteArray &block)
     bool has = false;
     for (const char byte : block) {
         has = has || (byte == '\x03' && m_escapes > 0 && m_escapes % 2 == 0);
+        m_isAtEnd = byte == '\x03' && m_escapes % 2 == 1;
         m_escapes = byte == '\x9f' ? m_escapes + 1 : 0;
     }
     return has;
+}
+
+void ReceivingRules::stopComparing()
+{
+    m_counts.comparisonsStopped += m_compares ? 1 : 0;
+    m_compares = false;
+}
+
+/// From the next byte on: all before it is through.
+void ReceivingRules::startComparing()
+{
+    m_compares = true;
+    m_isDisturbed = false;
+    m_properReader = boxsim::WireReader();
+    m_properFrames.clear();
 }
 
 const HeadUnitReading::Pass &ReceivingRules::passBegins()
@@ -110,8 +126,10 @@ void ReceivingRules::passEnds(const QByteArray &waiting)
             QStringLiteral("%1 is left instead of %2").arg(hexText(waiting), hexText(m_reading.waiting())));
     checkNotified();
     checkAnswers();
-    if (m_isWellFormed)
+    if (m_compares)
         compareWellFormed();
+    else if (m_isWellFormed && m_isAtEnd && m_reading.waiting().isEmpty())
+        startComparing();
     m_notified.clear();
     m_answered.clear();
 }
@@ -128,16 +146,15 @@ void ReceivingRules::settled()
 void ReceivingRules::expectWellFormed(bool isWellFormed)
 {
     m_isWellFormed = isWellFormed;
-    m_isDisturbed = false;
+    startComparing();
+    m_compares = isWellFormed;
     m_escapes = 0;
-    m_properReader = boxsim::WireReader();
-    m_properFrames.clear();
     m_takenProperly = 0;
 }
 
 int ReceivingRules::checkWellFormed()
 {
-    if (m_isWellFormed && !m_properFrames.isEmpty())
+    if (m_compares && !m_properFrames.isEmpty())
         m_findings.broken(kWellFormed,
                           QStringLiteral("%1 was not taken").arg(hexText(m_properFrames[0].bytes)));
     return m_takenProperly;
@@ -200,7 +217,7 @@ void ReceivingRules::compareWellFormed()
 {
     // Neither is a well-formed frame's fault: too many at once, and the reach of the escapes of another.
     if (m_pass.found == Found::Discarded)
-        m_isWellFormed = false;
+        stopComparing();
     const bool isDisturbed = std::exchange(m_isDisturbed, m_pass.reachedBeyond);
     if (m_pass.found == Found::Nothing || m_pass.found == Found::Discarded)
         return;
@@ -211,4 +228,5 @@ void ReceivingRules::compareWellFormed()
                                      .arg(hexText(m_pass.id)));
     m_properFrames.removeFirst();
     ++m_takenProperly;
+    ++m_counts.wellFormedTaken;
 }

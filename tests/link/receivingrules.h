@@ -45,6 +45,8 @@ public:
 
 private:
     bool hasEndInside(const QByteArray &block);
+    void stopComparing();
+    void startComparing();
     void count(const HeadUnitReading::Pass &pass);
     void checkNotified();
     void checkAnswers();
@@ -58,9 +60,11 @@ private:
     QList<QByteArray> m_answered;
     int m_loopBacks = 0;
 
-    bool m_isWellFormed = false;
-    bool m_isDisturbed = false; ///< the next frame may have lost an escape to the one before it
-    int m_escapes = 0;          ///< in a row, up to now
+    bool m_isWellFormed = false; ///< all that arrives
+    bool m_compares = false;     ///< what is taken with what has arrived
+    bool m_isAtEnd = true;       ///< of a frame, with the last byte that has arrived
+    bool m_isDisturbed = false;  ///< the next frame may have lost an escape to the one before it
+    int m_escapes = 0;           ///< in a row, up to now
     boxsim::WireReader m_properReader;
     QList<boxsim::WireFrame> m_properFrames; ///< that no pass has taken yet
     int m_takenProperly = 0;

@@ -42,6 +42,11 @@ QByteArray connectionCheck(const QByteArray &id)
         + QByteArray("\x9f\x03", 2);
 }
 
+bool isConnectionCheck(const QByteArray &frame)
+{
+    return frame == connectionCheck(frame.mid(2, 1));
+}
+
 /// Behind the id, which stands twice where it is an escape.
 quint8 tpOf(const QByteArray &frame)
 {
@@ -177,6 +182,8 @@ void SendingRules::endHead(Fate fate, const char *rule)
 {
     const qint64 tookMs = m_transmissions > 0 ? m_findings.now() - m_firstSentMs : 0;
     expect({Expected::End, rule, 0, head(), m_transmissions, fate, tookMs});
+    if (isConnectionCheck(head()))
+        m_checkRefused = fate == Fate::Refused;
     m_cache.pop_front();
     m_transmissions = 0;
 }

@@ -42,6 +42,8 @@ public:
     bool isLinkUp() const { return m_linkUp; }
     /// Whether no timer is left that would send anything without a word from the box.
     bool isStranded() const;
+    /// Whether the last connection check that has ended was answered by a NACK.
+    bool isCheckRefused() const { return m_checkRefused; }
     /// When the timer expires, or kNever.
     qint64 dueMs(Timer timer) const { return m_due[timer]; }
 
@@ -99,4 +101,5 @@ private:
     QByteArray m_connectionId;
     bool m_handshaking = true;
     bool m_linkUp = false;
+    bool m_checkRefused = false;
 };

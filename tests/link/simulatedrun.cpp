@@ -263,7 +263,9 @@ void SimulatedRun::comeUpAgain()
         ++m_link.counts.strandings;
         m_box.perform(instruction(Kind::Restart), m_nowMs);
         latestMs = m_nowMs;
-    } else if (sending.dueMs(SendingRules::RequestConnect) == SendingRules::kNever) {
+    } else if (!isConnected() && sending.isCheckRefused()
+               && sending.dueMs(SendingRules::RequestConnect) == SendingRules::kNever) {
+        ++m_link.counts.refusedChecks;
         latestMs = sending.dueMs(SendingRules::CheckConnect);
     }
     if (!runUntil([this] { return isConnected(); }, latestMs + kRoundTripMs))

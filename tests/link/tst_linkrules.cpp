@@ -72,6 +72,15 @@ struct Receiving {
     WireCounts counts;
     ReceivingRules rules {findings, counts};
 
+    /// A good frame, taken as it must be.
+    void takeGood()
+    {
+        receive("9f 02 50 03 05 01 02 55 9f 03");
+        rules.notified({3, 5, bytes("01 02")});
+        rules.answered(bytes("9f 06 50 50 9f 03"));
+        rules.passEnds({});
+    }
+
     void receive(const char *hex)
     {
         rules.arrive(bytes(hex));
@@ -80,6 +89,8 @@ struct Receiving {
 };
 
 const char kGood[] = "9f 02 50 03 05 01 02 55 9f 03";
+// Its payload is 9f 03: the head unit ends it at the first 03.
+const char kEndInside[] = "9f 02 50 03 05 9f 9f 03 ca 9f 03";
 const char kBad[] = "9f 02 50 03 05 01 02 56 9f 03";
 
 using BreakSending = std::function<void(Sending &)>;
@@ -97,7 +108,9 @@ private Q_SLOTS:
     void sendingAsItMustBreaksNoRule();
     void brokenSendingIsNamed_data();
     void brokenSendingIsNamed();
+    void aRefusedCheckIsRemembered();
     void receivingAsItMustBreaksNoRule();
+    void comparesAgainOnceTheLineIsQuiet();
     void brokenReceivingIsNamed_data();
     void brokenReceivingIsNamed();
     void wrongAnnouncementsAreNamed();
@@ -297,6 +310,50 @@ void LinkRulesTest::brokenSendingIsNamed()
     breaks(sending);
     QVERIFY2(sending.findings.text().contains(QString::fromLatin1(rule)),
              qPrintable(sending.findings.text()));
+}
+
+void LinkRulesTest::aRefusedCheckIsRemembered()
+{
+    const QByteArray check = bytes("9f 02 9f9f 01 00 00 01 9f9f 9f 03");
+    Sending sending;
+    sending.rules.readyRead(0x9f);
+    sending.rules.frameWritten(check);
+    QVERIFY(!sending.rules.isCheckRefused());
+    sending.rules.answerRead(false, 0x9f);
+    sending.rules.frameEnded(check, LinkHealth::Fate::Refused, 1, 0);
+    QVERIFY(sending.rules.isCheckRefused());
+    // A refused command is no refused check, and an accepted one none that was accepted.
+    sending.sendAt(0, kOne);
+    sending.rules.answerRead(true, 0x50);
+    sending.end(LinkHealth::Fate::Acknowledged, 1, 0);
+    QVERIFY(sending.rules.isCheckRefused());
+    sending.connect();
+    QVERIFY(!sending.rules.isCheckRefused());
+    sending.sendAt(0, kOne);
+    sending.rules.answerRead(false, 0x50);
+    sending.end(LinkHealth::Fate::Refused, 1, 0);
+    QVERIFY(!sending.rules.isCheckRefused());
+    sending.rules.settled();
+    QCOMPARE(sending.findings.text(), QString());
+}
+
+void LinkRulesTest::comparesAgainOnceTheLineIsQuiet()
+{
+    Receiving receiving;
+    receiving.rules.expectWellFormed(true);
+    receiving.takeGood();
+    receiving.receive(kEndInside);
+    receiving.rules.passEnds(bytes("ca 9f 03"));
+    QCOMPARE(receiving.counts.comparisonsStopped, 1U);
+    receiving.takeGood();
+    QCOMPARE(receiving.counts.wellFormedTaken, 1U);
+    receiving.takeGood();
+    QCOMPARE(receiving.counts.wellFormedTaken, 2U);
+    QCOMPARE(receiving.rules.checkWellFormed(), 2);
+    QCOMPARE(receiving.findings.text(), QString());
+    receiving.rules.arrive(bytes(kGood));
+    receiving.rules.checkWellFormed();
+    QVERIFY2(receiving.findings.text().contains("was not taken"), qPrintable(receiving.findings.text()));
 }
 
 void LinkRulesTest::receivingAsItMustBreaksNoRule()

@@ -58,7 +58,7 @@ private Q_SLOTS:
         if (qEnvironmentVariableIsSet("CANBUS_SIM_SEED"))
             QSKIP("one seed does not meet everything");
         for (const NamedCount &each : addableCounts())
-            QVERIFY2(m_sum.*each.count > 0, each.name);
+            QVERIFY2(each.isRare || m_sum.*each.count > 0, each.name);
     }
 
     void aSeedReplaysByteForByte()

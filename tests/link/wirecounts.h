@@ -42,15 +42,19 @@ struct WireCounts {
     // What no figure of the library's tells.
     quint64 commands = 0;
     quint64 linkUps = 0;
-    quint64 leftOut = 0;    ///< connect requests and checks that an overfull cache did not take
-    quint64 strandings = 0; ///< waits for a box that has said not ready
+    quint64 leftOut = 0;       ///< connect requests and checks that an overfull cache did not take
+    quint64 strandings = 0;    ///< waits for a box that has said not ready
+    quint64 refusedChecks = 0; ///< waits for the connection check after one that was answered by a NACK
     quint64 announcements = 0;
+    quint64 wellFormedTaken = 0;    ///< frames that were compared with those that had arrived
+    quint64 comparisonsStopped = 0; ///< until the line was quiet
 };
 
 /// A count that is no high-water mark and no time: those of several runs can be added.
 struct NamedCount {
     const char *name;
     quint64 WireCounts::*count;
+    bool isRare = false; ///< hundreds of seeds may be without one
 };
 
 inline const QVector<NamedCount> &addableCounts()
@@ -60,6 +64,8 @@ inline const QVector<NamedCount> &addableCounts()
         {"bad check bytes", &WireCounts::badChecks},
         {"buffers discarded", &WireCounts::discardedBuffers},
         {"bytes skipped", &WireCounts::skippedBytes},
+        {"well-formed frames compared", &WireCounts::wellFormedTaken},
+        {"comparisons stopped for a while", &WireCounts::comparisonsStopped, true},
         {"closing marks awaited", &WireCounts::awaitingNacks},
         {"announcements", &WireCounts::announcements},
         {"commands", &WireCounts::commands},
@@ -75,6 +81,7 @@ inline const QVector<NamedCount> &addableCounts()
         {"times up", &WireCounts::linkUps},
         {"times down", &WireCounts::linkLosses},
         {"waits for a box that is not ready", &WireCounts::strandings},
+        {"waits after a refused connection check", &WireCounts::refusedChecks},
     };
     return all;
 }
