@@ -43,8 +43,10 @@ VelCanBusProtocol::ParseOperation VelCanBusProtocol::parseOperationFor(quint8 tp
 
 void VelCanBusProtocol::onAllocateData()
 {
-    if (const ParseOperation parse = parseOperationFor(firstByte(d->decoded.TP)))
+    if (const ParseOperation parse = parseOperationFor(firstByte(d->decoded.TP))) {
+        d->isPayloadGiven = true;
         (this->*parse)(&d->decoded);
+    }
 }
 
 void VelCanBusProtocol::parse_GetVersion(FrameDataFormat *frame)

@@ -10,6 +10,7 @@
 #include "velcanbusprotocol_p.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace canbus {
 
@@ -126,6 +127,9 @@ bool VelCanBusProtocol::checkXOR(int start, int end)
 {
     // Not emptied but let go of: another thread may have read, until a moment ago, what was handed over to it.
     d->decoded.DATA.clear();
+    // Whoever has been given the payload may be reading it on another thread: it is not written to again.
+    if (std::exchange(d->isPayloadGiven, false))
+        d->decoded.DATA.clear();
     d->decoded.clear();
     const receive::Check check = receive::checkFrame(CanBusReadBuff::instance()->data, start, end);
     d->decoded.CS = check.computed;
