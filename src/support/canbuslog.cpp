@@ -65,8 +65,15 @@ Line &Line::operator<<(Hex number)
 
 Line &Line::operator<<(const QByteArray &bytes)
 {
-    m_text += QLatin1Char(' ');
-    m_text += QLatin1String(bytes.toHex());
+    static constexpr char kDigits[] = "0123456789abcdef";
+    const int size = m_text.size();
+    m_text.resize(size + 1 + 2 * bytes.size());
+    QChar *digit = m_text.data() + size;
+    *digit++ = QLatin1Char(' ');
+    for (const char byte : bytes) {
+        *digit++ = QLatin1Char(kDigits[quint8(byte) >> 4]);
+        *digit++ = QLatin1Char(kDigits[quint8(byte) & 0xF]);
+    }
     return *this;
 }
 
