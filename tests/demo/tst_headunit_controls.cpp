@@ -1,0 +1,195 @@
+#include "rig.h"
+
+// Every control of every page, touched as a finger does, and what the box gets of it.
+
+class HeadUnitControls : public QObject {
+    Q_OBJECT
+
+private:
+    Rig m_rig;
+
+    static void addHeld(const char *page, const char *path, const char *command)
+    {
+        QTest::newRow(command) << QString(page) << QString(path) << QString(command);
+    }
+
+    static void addTapped(const char *page, const char *path, const char *command,
+                          const QJsonObject &arguments)
+    {
+        QTest::addRow("%s %s", command, path)
+            << QString(page) << QString(path) << QString(command) << arguments;
+    }
+
+    static void addGroup(const char *page)
+    {
+        for (const char *name : {"customControl1", "customControl2"})
+            addTapped(page, name, qPrintable(QStringLiteral("%1.%2").arg(page, name)), {{"press", true}});
+        addTapped(page, "settings", qPrintable(QStringLiteral("%1.settings").arg(page)), {});
+    }
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY(m_rig.start()); }
+
+    void heldButtonsTellPressAndRelease_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("command");
+        addHeld("climate", "main/plus", "climate.autoMainZoneTempPlus");
+        addHeld("climate", "main/minus", "climate.autoMainZoneTempMinus");
+        addHeld("climate", "second/plus", "climate.autoSecondZoneTempPlus");
+        addHeld("climate", "second/minus", "climate.autoSecondZoneTempMinus");
+        addHeld("climate", "fanPlus", "climate.fanSpeedUp");
+        addHeld("climate", "fanMinus", "climate.fanSpeedDown");
+        addHeld("climate", "manualTempPlus", "climate.manualMainZoneTempUp");
+        addHeld("climate", "manualTempMinus", "climate.manualMainZoneTempDown");
+        addHeld("climate", "rearZone", "climate.rearZone");
+        addHeld("gauges", "Gauge1_CenterGauge", "gauges.Gauge1_CenterGauge");
+        addHeld("gauges", "Gauge2_TopLeft", "gauges.Gauge2_TopLeft");
+        addHeld("gauges", "Gauge3_TopRight", "gauges.Gauge3_TopRight");
+        addHeld("gauges", "Gauge4_BottomLeft", "gauges.Gauge4_BottomLeft");
+        addHeld("gauges", "Gauge5_BottomRight", "gauges.Gauge5_BottomRight");
+    }
+
+    void heldButtonsTellPressAndRelease()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, path);
+        QFETCH(QString, command);
+        QVERIFY(m_rig.open(page));
+        QVERIFY(m_rig.find(path));
+        const int releases = m_rig.count(command, {{"press", false}});
+        m_rig.press(path);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"press", true}}), 1, Rig::kLongMs);
+        QCOMPARE(m_rig.count(command, {{"press", false}}), releases);
+        m_rig.release(path);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"press", false}}), releases + 1, Rig::kLongMs);
+        QCOMPARE(m_rig.count(command, {{"press", true}}), 1);
+    }
+
+    void tappedButtonsReachTheBoxOnce_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<QJsonObject>("arguments");
+        for (const char *name : {"onOff", "autoBtn", "acBtn", "maxACBtn", "dualBtn", "recircFresh",
+                                 "frontDefroster", "rearDefroster", "heatedSteerWheel", "ventPos"})
+            addTapped("climate", name, qPrintable(QStringLiteral("climate.") + name), {{"press", true}});
+        addTapped("climate", "main/heat", "climate.leftHeatedSeat", {{"press", true}});
+        addTapped("climate", "main/cool", "climate.leftCooledSeat", {{"press", true}});
+        addTapped("climate", "second/heat", "climate.rightHeatedSeat", {{"press", true}});
+        addTapped("climate", "second/cool", "climate.rightCooledSeat", {{"press", true}});
+        for (const char *page : {"climate", "gauges", "vehicle", "parking"})
+            addGroup(page);
+        addTapped("vehicle", "checkEngine", "vehicle.checkEngine", {{"press", true}});
+        addTapped("menu", "line1", "player.onMenuPress", {{"menu", 1}, {"item", 1}, {"action", 0}});
+        addTapped("menu", "minus", "player.onMenuPress", {{"menu", 1}, {"item", 1}, {"action", 1}});
+        addTapped("menu", "plus", "player.onMenuPress", {{"menu", 1}, {"item", 1}, {"action", 2}});
+        addTapped("menu", "back", "player.onMenuPress", {{"menu", 1}, {"item", 2}, {"action", 0}});
+    }
+
+    void tappedButtonsReachTheBoxOnce()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, path);
+        QFETCH(QString, command);
+        QFETCH(QJsonObject, arguments);
+        QVERIFY(m_rig.open(page));
+        QVERIFY(m_rig.find(path));
+        const QVariantList menu = m_rig.pageItem()->property("menu").toList();
+        m_rig.click(path);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, arguments), 1, Rig::kLongMs);
+        // The menu answers with what is pressed next.
+        if (page == QLatin1String("menu"))
+            QTRY_VERIFY_WITH_TIMEOUT(m_rig.pageItem()->property("menu").toList() != menu, Rig::kLongMs);
+    }
+
+    void aLampFollowsTheBox()
+    {
+        QVERIFY(m_rig.open(QStringLiteral("climate")));
+        m_rig.send(QStringLiteral("climate.button.7=0"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.find("maxACBtn")->property("lamp").toInt(), 0, Rig::kLongMs);
+        m_rig.click(QStringLiteral("maxACBtn"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.find("maxACBtn")->property("lamp").toInt(), 1, Rig::kLongMs);
+    }
+
+    void draggedValuesReachTheBox_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<int>("last");
+        QTest::newRow("air flow") << "autoFanDirectValue"
+                                  << "climate.autoFanDirectValue" << 255;
+        QTest::newRow("temperature by hand, above what is plain text") << "manualTemp"
+                                                                       << "climate.manualTemp" << 255;
+        QTest::newRow("fan speed") << "fan"
+                                   << "climate.manualFanSpeed" << 3;
+    }
+
+    void draggedValuesReachTheBox()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, command);
+        QFETCH(int, last);
+        QVERIFY(m_rig.open(QStringLiteral("climate")));
+        QQuickItem *const bar = m_rig.find(path);
+        QVERIFY(bar);
+        QTest::mousePress(&m_rig.window, Qt::LeftButton, {}, Rig::pointOf(bar, 0.05));
+        for (int step = 1; step <= 50; ++step)
+            QTest::mouseMove(&m_rig.window, Rig::pointOf(bar, 0.05 + 0.0186 * step));
+        QTest::mouseRelease(&m_rig.window, Qt::LeftButton, {}, Rig::pointOf(bar, 0.98));
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"value", last}}), 1, Rig::kLongMs);
+        // The link takes one command at a time: a drag is not fifty of them.
+        QVERIFY(m_rig.count(command) >= 2);
+        QVERIFY(m_rig.count(command) < 25);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->property("shown").toInt(), last, Rig::kLongMs);
+    }
+
+    void keysMoveAndPress()
+    {
+        QTest::keyClick(&m_rig.window, Qt::Key_1);
+        QCOMPARE(m_rig.page(), QStringLiteral("climate"));
+        m_rig.find("recircFresh")->forceActiveFocus();
+        QTest::keyClick(&m_rig.window, Qt::Key_Right);
+        QCOMPARE(m_rig.window.activeFocusItem(), m_rig.find("rearZone"));
+        QTest::keyClick(&m_rig.window, Qt::Key_Down);
+        QCOMPARE(m_rig.window.activeFocusItem(), m_rig.find("settings"));
+        QTest::keyClick(&m_rig.window, Qt::Key_Up);
+        QCOMPARE(m_rig.window.activeFocusItem(), m_rig.find("rearZone"));
+        const int before = m_rig.count("climate.rearZone");
+        QTest::keyPress(&m_rig.window, Qt::Key_Return);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone"), before + 1, Rig::kLongMs);
+        QCOMPARE(m_rig.reports.isEmpty(), false);
+        QTest::keyRelease(&m_rig.window, Qt::Key_Return);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone"), before + 2, Rig::kLongMs);
+    }
+
+    void aKeyThatIsHeldIsReleasedWhenTheFocusGoes()
+    {
+        QVERIFY(m_rig.open(QStringLiteral("climate")));
+        const int before = m_rig.count("climate.rearZone", {{"press", false}});
+        m_rig.find("rearZone")->forceActiveFocus();
+        QTest::keyPress(&m_rig.window, Qt::Key_Return);
+        m_rig.find("settings")->forceActiveFocus();
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone", {{"press", false}}), before + 1,
+                                  Rig::kLongMs);
+    }
+
+    void aFingerThatLeavesAButtonDoesNotTapIt()
+    {
+        QVERIFY(m_rig.open(QStringLiteral("climate")));
+        const int before = m_rig.count("climate.acBtn");
+        const int others = m_rig.count("climate.dualBtn");
+        m_rig.press(QStringLiteral("acBtn"));
+        QTest::mouseMove(&m_rig.window, Rig::pointOf(m_rig.find("dualBtn")));
+        m_rig.release(QStringLiteral("dualBtn"));
+        m_rig.click(QStringLiteral("dualBtn"));
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.dualBtn"), others + 1, Rig::kLongMs);
+        QCOMPARE(m_rig.count("climate.acBtn"), before);
+    }
+};
+
+QTEST_MAIN(HeadUnitControls)
+
+#include "tst_headunit_controls.moc"
