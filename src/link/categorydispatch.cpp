@@ -5,15 +5,15 @@
 #include "velcanbusprotocol_p.h"
 #include "wireconstants.h"
 
-#include <QtCore/QVariant>
+#include <initializer_list>
 
 namespace canbus {
 
 namespace {
 
-void store(Category category, const QList<QVariant> &record)
+void store(Category category, std::initializer_list<QByteArray> record)
 {
-    CanBusDataMap::instance()->setData(quint8(category), record);
+    CanBusDataMap::instance()->setRecord(quint8(category), record);
 }
 
 } // namespace

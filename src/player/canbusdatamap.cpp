@@ -2,6 +2,9 @@
 
 #include "support/locker.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace canbus {
 
 CanBusDataMap *CanBusDataMap::instance()
@@ -17,6 +20,19 @@ void CanBusDataMap::setData(unsigned char id, QList<QVariant> list)
     if (stored != m_records.constEnd() && stored->isSharedWith(list))
         return;
     m_records.insert(id, list);
+}
+
+void CanBusDataMap::setRecord(unsigned char id, std::initializer_list<QByteArray> fields)
+{
+    const Locker lock(&m_mutex);
+    // One with as many items is there after the category's first frame: so nothing is allocated.
+    QList<QVariant> &record = m_records[id];
+    if (record.size() != int(fields.size())) {
+        record.clear();
+        std::copy(fields.begin(), fields.end(), std::back_inserter(record));
+    } else {
+        std::copy(fields.begin(), fields.end(), record.begin());
+    }
 }
 
 QByteArray CanBusDataMap::getId(unsigned char id)

@@ -9,6 +9,8 @@
 #include <QtCore/QObject>
 #include <QtCore/QVariant>
 
+#include <initializer_list>
+
 namespace canbus {
 
 /// The last frame of each category that the box has sent. A command carries the id of the last frame of its
@@ -28,6 +30,9 @@ public:
     /// Stores a category's record in the place of the former.
     /// @param id  the category, 0..255
     void setData(unsigned char id, QList<QVariant> list);
+
+    /// As setData(), for a record of byte arrays: it takes the place of the former item by item.
+    void setRecord(unsigned char id, std::initializer_list<QByteArray> fields);
 
     /// The id of the category's last frame (one byte), or an empty array when there was none.
     QByteArray getId(unsigned char id);
