@@ -36,10 +36,10 @@ bool takeTitle(const logging::Origin &origin, QString &stored, const QByteArray 
     return true;
 }
 
-QStringList textsIn(const QByteArray &data)
+QStringList textsIn(const QByteArray &data, int from)
 {
     QStringList texts;
-    splitZeroTerminated(texts, data);
+    splitZeroTerminated(texts, data, from);
     return texts;
 }
 

@@ -28,7 +28,7 @@ bool takeTexts(const logging::Origin &origin, QStringList &stored, const QByteAr
 /// @return whether `stored` is to be announced
 bool takeTitle(const logging::Origin &origin, QString &stored, const QByteArray &data);
 
-/// Splits a payload into its zero-terminated texts.
-QStringList textsIn(const QByteArray &data);
+/// Splits a payload into its zero-terminated texts, from the byte `from` on.
+QStringList textsIn(const QByteArray &data, int from = 0);
 
 } // namespace canbus

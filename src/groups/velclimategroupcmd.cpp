@@ -6,6 +6,10 @@
 #include "support/changerule.h"
 #include "support/text.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 namespace canbus {
 
 namespace {
@@ -117,9 +121,11 @@ void VelClimateGroupCmd::onClimateData(QByteArray data)
 
 void VelClimateGroupCmd::onClimateBtnStatus(QByteArray data)
 {
-    QList<int> states;
-    for (const ButtonField &field : kButtonFields)
-        states.append(state2Of(data, field.byte, field.highBit, field.lowBit));
+    std::array<int, std::size(kButtonFields)> states {};
+    std::transform(std::begin(kButtonFields), std::end(kButtonFields), states.begin(),
+                   [&data](const ButtonField &field) {
+                       return state2Of(data, field.byte, field.highBit, field.lowBit);
+                   });
     if (replaceIfChanged(m_buttonStatus, states)) {
         CANBUS_DEBUG() << m_buttonStatus;
         Q_EMIT updateClimateBtnStatus(m_buttonStatus);

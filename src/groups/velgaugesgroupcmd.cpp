@@ -7,6 +7,10 @@
 #include "support/changerule.h"
 #include "support/text.h"
 
+#include <algorithm>
+#include <array>
+#include <iterator>
+
 namespace canbus {
 
 namespace {
@@ -24,11 +28,11 @@ constexpr int kValueTexts = 12;
 constexpr int kZeroPositionBytes[] = {0, 4, 6, 8, 10};
 constexpr int kValueBytes[] = {1, 5, 7, 9, 11};
 
-QList<int> bytesOf(const QByteArray &data, const int (&indices)[5])
+std::array<int, 5> bytesOf(const QByteArray &data, const int (&indices)[5])
 {
-    QList<int> bytes;
-    for (const int index : indices)
-        bytes.append(byteAt(data, index));
+    std::array<int, 5> bytes {};
+    std::transform(std::begin(indices), std::end(indices), bytes.begin(),
+                   [&data](int index) { return byteAt(data, index); });
     return bytes;
 }
 
@@ -95,7 +99,7 @@ void VelGaugesGroupCmd::handleGaugeScaleAndCenterText(QByteArray data)
         return;
     }
     QStringList scale;
-    const QStringList centerText = textsIn(data.mid(splitScale(scale, data)));
+    const QStringList centerText = textsIn(data, splitScale(scale, data));
     // Not announced again when it is the same, not even an empty one: it never is.
     if (replaceIfChanged(m_scale, scale)) {
         CANBUS_DEBUG() << "Scale value:" << m_scale;
@@ -134,7 +138,7 @@ void VelGaugesGroupCmd::handleGaugeStateValue(QByteArray data)
 
 void VelGaugesGroupCmd::handleGaugeFormat(char byte)
 {
-    if (replaceIfChangedOrEmpty(m_format, bitsAt(quint8(byte), 1, 2, 3, 4, 5))) {
+    if (replaceIfChanged(m_format, bitsAt(quint8(byte), 1, 2, 3, 4, 5))) {
         CANBUS_DEBUG() << m_format;
         Q_EMIT updateGaugeFormat(m_format);
     }
@@ -168,7 +172,7 @@ void VelGaugesGroupCmd::handleGaugeComLabelsState(QByteArray data)
 
 void VelGaugesGroupCmd::handleGaugeZeroPos(QByteArray data)
 {
-    if (replaceIfChangedOrEmpty(m_zeroPositions, bytesOf(data, kZeroPositionBytes))) {
+    if (replaceIfChanged(m_zeroPositions, bytesOf(data, kZeroPositionBytes))) {
         CANBUS_DEBUG() << m_zeroPositions;
         Q_EMIT updateGaugeZeroPos(m_zeroPositions);
     }
@@ -176,7 +180,7 @@ void VelGaugesGroupCmd::handleGaugeZeroPos(QByteArray data)
 
 void VelGaugesGroupCmd::handleGaugeValue(QByteArray data)
 {
-    if (replaceIfChangedOrEmpty(m_values, bytesOf(data, kValueBytes))) {
+    if (replaceIfChanged(m_values, bytesOf(data, kValueBytes))) {
         CANBUS_DEBUG() << m_values;
         announceThrottled();
     }
@@ -184,7 +188,7 @@ void VelGaugesGroupCmd::handleGaugeValue(QByteArray data)
 
 void VelGaugesGroupCmd::handleGaugeValueText(QByteArray data)
 {
-    if (replaceIfChangedOrEmpty(m_valueText, textsIn(data.mid(kValueTexts)))) {
+    if (replaceIfChangedOrEmpty(m_valueText, textsIn(data, kValueTexts))) {
         CANBUS_DEBUG() << m_valueText;
         announceThrottled();
     }

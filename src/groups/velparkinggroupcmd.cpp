@@ -6,6 +6,8 @@
 #include "support/bytes.h"
 #include "support/changerule.h"
 
+#include <array>
+
 namespace canbus {
 
 namespace {
@@ -54,7 +56,7 @@ void VelParkingGroupCmd::onParkData(QByteArray data)
 
 void VelParkingGroupCmd::onParkDistanceSensorFront(int zone1, int zone2, int zone3, int zone4)
 {
-    if (replaceIfChangedOrEmpty(m_front, QList<int> {zone1, zone2, zone3, zone4})) {
+    if (replaceIfChanged(m_front, std::array {zone1, zone2, zone3, zone4})) {
         CANBUS_DEBUG() << m_front;
         Q_EMIT updateParkSensorFront(m_front);
     }
@@ -62,7 +64,7 @@ void VelParkingGroupCmd::onParkDistanceSensorFront(int zone1, int zone2, int zon
 
 void VelParkingGroupCmd::onParkDistanceSensorRear(int zone1, int zone2, int zone3, int zone4)
 {
-    if (replaceIfChangedOrEmpty(m_rear, QList<int> {zone1, zone2, zone3, zone4})) {
+    if (replaceIfChanged(m_rear, std::array {zone1, zone2, zone3, zone4})) {
         CANBUS_DEBUG() << m_rear;
         Q_EMIT updateParkSensorRear(m_rear);
     }
@@ -70,7 +72,7 @@ void VelParkingGroupCmd::onParkDistanceSensorRear(int zone1, int zone2, int zone
 
 void VelParkingGroupCmd::onParkDistanceSensorLeft(int zone1, int zone2, int zone3, int zone4)
 {
-    if (replaceIfChangedOrEmpty(m_left, QList<int> {zone1, zone2, zone3, zone4})) {
+    if (replaceIfChanged(m_left, std::array {zone1, zone2, zone3, zone4})) {
         CANBUS_DEBUG() << m_left;
         Q_EMIT updateParkSensorLeft(m_left);
     }
@@ -78,7 +80,7 @@ void VelParkingGroupCmd::onParkDistanceSensorLeft(int zone1, int zone2, int zone
 
 void VelParkingGroupCmd::onParkDistanceSensorRight(int zone1, int zone2, int zone3, int zone4)
 {
-    if (replaceIfChangedOrEmpty(m_right, QList<int> {zone1, zone2, zone3, zone4})) {
+    if (replaceIfChanged(m_right, std::array {zone1, zone2, zone3, zone4})) {
         CANBUS_DEBUG() << m_right;
         Q_EMIT updateParkSensorRight(m_right);
     }

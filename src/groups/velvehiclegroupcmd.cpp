@@ -6,6 +6,8 @@
 #include "support/bytes.h"
 #include "support/changerule.h"
 
+#include <array>
+
 namespace canbus {
 
 namespace {
@@ -61,7 +63,7 @@ void VelVehicleGroupCmd::onVehicleData(QByteArray data)
 
 void VelVehicleGroupCmd::onVehicleDoorStatus(char byte)
 {
-    if (replaceIfChangedOrEmpty(m_doors, bitsAt(quint8(byte), 0, 1, 2, 3))) {
+    if (replaceIfChanged(m_doors, bitsAt(quint8(byte), 0, 1, 2, 3))) {
         CANBUS_DEBUG() << m_doors;
         Q_EMIT updateVehicleDoorStatus(m_doors);
     }
@@ -94,9 +96,9 @@ void VelVehicleGroupCmd::onVehicleBatteryStatus(char byte)
 void VelVehicleGroupCmd::onVehicleTire(QByteArray data)
 {
     const quint8 byte = byteAt(data, 1);
-    const QList<int> states {state2At(byte, 0, 1), state2At(byte, 2, 3), state2At(byte, 4, 5),
+    const std::array states {state2At(byte, 0, 1), state2At(byte, 2, 3), state2At(byte, 4, 5),
                              state2At(byte, 6, 7)};
-    if (replaceIfChangedOrEmpty(m_tires, states)) {
+    if (replaceIfChanged(m_tires, states)) {
         CANBUS_DEBUG() << m_tires;
         Q_EMIT updateVehicleTire(m_tires);
     }
@@ -122,7 +124,7 @@ void VelVehicleGroupCmd::onVehicleComLabelsState(QByteArray data)
 
 void VelVehicleGroupCmd::onVehicleTireText(QByteArray data)
 {
-    if (!replaceIfChangedOrEmpty(m_tireText, textsIn(data.mid(kTireTexts))))
+    if (!replaceIfChangedOrEmpty(m_tireText, textsIn(data, kTireTexts)))
         return;
     CANBUS_DEBUG() << m_tireText;
     if (!m_tireTextTimer.isActive())

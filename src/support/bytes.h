@@ -1,7 +1,8 @@
 #pragma once
 
 #include <QtCore/QByteArray>
-#include <QtCore/QList>
+
+#include <array>
 
 /// Readers of bytes and of the bit fields in them. Pure functions, usable on every thread.
 ///
@@ -38,7 +39,7 @@ inline bool bitAt(quint8 value, int position)
 
 /// The named bits as flags, in the order of the arguments.
 template <class... Positions>
-QList<bool> bitsAt(quint8 value, Positions... positions)
+std::array<bool, sizeof...(Positions)> bitsAt(quint8 value, Positions... positions)
 {
     return {bitAt(value, positions)...};
 }

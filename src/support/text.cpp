@@ -2,9 +2,8 @@
 
 namespace canbus {
 
-void splitZeroTerminated(QStringList &list, const QByteArray &data)
+void splitZeroTerminated(QStringList &list, const QByteArray &data, int from)
 {
-    int from = 0;
     for (int end = data.indexOf('\0', from); end != -1; end = data.indexOf('\0', from)) {
         QString text = QString::fromUtf8(data.constData() + from, end - from);
         removeReplacementCharacters(text);
