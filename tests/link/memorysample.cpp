@@ -14,6 +14,19 @@ namespace {
 // each of the 15,000 frames in an hour is more than that in a day.
 constexpr quint64 kResidentSlackKiB = 512;
 constexpr quint64 kInUseSlackBytes = quint64(192) * 1024;
+// What the receive buffer may take at once, and the room that it is then given.
+constexpr quint64 kBufferedSlackBytes = quint64(8) * 1024;
+
+QString growth(int hour, quint64 first, quint64 now, quint64 slack, const char *what)
+{
+    if (now <= first + slack)
+        return {};
+    return QStringLiteral("in hour %1 %2 %3 have become %4")
+        .arg(hour)
+        .arg(first)
+        .arg(QLatin1String(what))
+        .arg(now);
+}
 
 } // namespace
 
@@ -41,10 +54,15 @@ QString growthOf(const QList<MemorySample> &samples)
     if (samples.isEmpty())
         return QStringLiteral("no sample of the memory was taken");
     const MemorySample &first = samples.first();
-    const MemorySample &last = samples.last();
-    if (last.residentKiB > first.residentKiB + kResidentSlackKiB)
-        return QStringLiteral("%1 KiB resident have become %2").arg(first.residentKiB).arg(last.residentKiB);
-    if (last.inUseBytes > first.inUseBytes + kInUseSlackBytes)
-        return QStringLiteral("%1 bytes in use have become %2").arg(first.inUseBytes).arg(last.inUseBytes);
-    return {};
+    QStringList all;
+    for (int i = 1; i < samples.size(); ++i) {
+        const MemorySample &now = samples.at(i);
+        const int hour = i + 1;
+        all += growth(hour, first.residentKiB, now.residentKiB, kResidentSlackKiB, "KiB resident");
+        all += growth(hour, first.inUseBytes, now.inUseBytes, kInUseSlackBytes, "bytes in use");
+        all += growth(hour, first.bufferedBytes, now.bufferedBytes, kBufferedSlackBytes,
+                      "bytes for the receive buffer");
+    }
+    all.removeAll(QString());
+    return all.join(QStringLiteral(", "));
 }

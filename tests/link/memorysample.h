@@ -15,5 +15,5 @@ struct MemorySample {
     static bool meansSomething();
 };
 
-/// What has grown from the first sample, which may still be warming up, to the last: text, or nothing.
+/// What has been more at any hour than at the first: text, or nothing.
 QString growthOf(const QList<MemorySample> &samples);

@@ -69,6 +69,8 @@ QString SimulatedRun::runHours(int hours, QList<MemorySample> &samples)
     drawPaces();
     m_box.set(m_car.all(m_box.bench().state(), m_chance), 0);
     for (int hour = 1; hour <= hours && m_link.findings.isEmpty(); ++hour) {
+        if (hour % 2 == 0)
+            flood();
         makeTrouble(hour * kHourMs - kMinuteMs);
         letDrain();
         comeUpAgain();
@@ -179,7 +181,7 @@ void SimulatedRun::flood()
     faults.dropAnswers = 1;
     faults.notReadyReplies = 1000000;
     m_box.setFaults(faults, {}, m_nowMs);
-    m_floodEndMs = m_chance.between(11000, 15000);
+    m_floodEndMs = m_nowMs + m_chance.between(11000, 15000);
     runUntil(m_floodEndMs);
 }
 

@@ -21,7 +21,8 @@ public:
     /// @return the first rule that was broken, or nothing
     QString runMinute();
 
-    /// The same with hours of trouble, all kinds of it, and a quiet moment in each.
+    /// The same with hours of trouble, all kinds of it, a quiet moment in each, and in every second one a box
+    /// that says not ready until the cache is overfull.
     /// @param samples  gets the memory at each of these moments
     QString runHours(int hours, QList<MemorySample> &samples);
 

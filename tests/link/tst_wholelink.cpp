@@ -81,9 +81,24 @@ private Q_SLOTS:
         const RunResult result = m_runs->runHours(1, 2);
         QCOMPARE(result.failure, QString());
         QCOMPARE(result.samples.size(), 2);
+        QVERIFY(result.counts.leftOut > 0);
         if (!MemorySample::meansSomething())
             QSKIP("a sanitizer keeps freed memory");
         QCOMPARE(growthOf(result.samples), QString());
+    }
+
+    void growthAtAnyHourIsNamed()
+    {
+        const MemorySample usual {20000, 1000000, 4096};
+        const QList<MemorySample> flat {usual, {20512, 1196608, 12288}, usual};
+        QCOMPARE(growthOf(flat), QString());
+        QCOMPARE(growthOf({usual, {20513, 1000000, 4096}, usual}),
+                 QString("in hour 2 20000 KiB resident have become 20513"));
+        QCOMPARE(growthOf({usual, usual, {20000, 1196609, 4096}}),
+                 QString("in hour 3 1000000 bytes in use have become 1196609"));
+        QCOMPARE(growthOf({usual, {20000, 1000000, 12289}, usual}),
+                 QString("in hour 2 4096 bytes for the receive buffer have become 12289"));
+        QCOMPARE(growthOf({}), QString("no sample of the memory was taken"));
     }
 
 private:
