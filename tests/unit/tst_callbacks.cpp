@@ -8,6 +8,8 @@
 #include "velvehiclegroupcmd.h"
 
 #include <QtCore/QMetaMethod>
+#include <QtCore/QSemaphore>
+#include <QtSerialPort/QSerialPort>
 #include <QtTest/QtTest>
 
 #include <functional>
@@ -73,12 +75,14 @@ QList<QObject *> speakers(HandDrivenProtocol &protocol)
             VelVehicleGroupCmd::instance()};
 }
 
-/// Calls back from every signal of every speaker, directly.
-std::vector<std::unique_ptr<Caller>> connectCallers(HandDrivenProtocol &protocol, const Call &call)
+using Callers = std::vector<std::unique_ptr<Caller>>;
+
+/// Calls back from every signal of each of these, directly.
+Callers connectCallers(const QList<QObject *> &all, const std::function<void()> &call)
 {
-    std::vector<std::unique_ptr<Caller>> callers;
+    Callers callers;
     const QMetaMethod slot = Caller::staticMetaObject.method(Caller::staticMetaObject.methodOffset());
-    for (QObject *speaker : speakers(protocol)) {
+    for (QObject *speaker : all) {
         const QMetaObject *type = speaker->metaObject();
         for (int index = QObject::staticMetaObject.methodCount(); index < type->methodCount(); ++index) {
             const QMetaMethod signal = type->method(index);
@@ -86,11 +90,16 @@ std::vector<std::unique_ptr<Caller>> connectCallers(HandDrivenProtocol &protocol
                 continue;
             callers.push_back(std::make_unique<Caller>(type->className() + QStringLiteral("::")
                                                            + QString::fromLatin1(signal.methodSignature()),
-                                                       [&protocol, call] { call(protocol); }));
+                                                       call));
             QObject::connect(speaker, signal, callers.back().get(), slot, Qt::DirectConnection);
         }
     }
     return callers;
+}
+
+Callers connectCallers(HandDrivenProtocol &protocol, const Call &call)
+{
+    return connectCallers(speakers(protocol), [&protocol, call] { call(protocol); });
 }
 
 /// Makes the protocol, the player and the groups emit each of their signals.
@@ -221,6 +230,51 @@ void addPlainOperations()
                             }});
 }
 
+/// What somebody may call in a slot on the port's thread.
+const QMap<QString, std::function<void(PlayerRig &)>> &portOperations()
+{
+    static const QMap<QString, std::function<void(PlayerRig &)>> all {
+        {"isOpen", [](PlayerRig &rig) { rig.port()->isOpen(); }},
+        {"open", [](PlayerRig &rig) { rig.port()->open(rig.line.name(), 57600); }},
+        {"open, without the device", [](PlayerRig &rig) { rig.port()->open(kNoDevice, 57600); }},
+        {"disconnect", [](PlayerRig &rig) { rig.port()->disconnect(); }},
+        {"handleError", [](PlayerRig &rig) { rig.port()->handleError(); }},
+        {"stopWriting", [](PlayerRig &rig) { rig.port()->stopWriting(); }},
+        {"resumeWriting", [](PlayerRig &rig) { rig.port()->resumeWriting(); }},
+        {"writeData, bytes", [](PlayerRig &rig) { rig.port()->writeData(bytes("01")); }},
+        {"writeData, text", [](PlayerRig &rig) { rig.port()->writeData(QString("02")); }},
+        {"writeData, with a length", [](PlayerRig &rig) { rig.port()->writeData("\x03", 1); }},
+        {"CanBusPlayer::init", [](PlayerRig &rig) { rig.player.init(&rig.protocol); }},
+    };
+    return all;
+}
+
+/// Carries it out on the port's thread. A thread that does not come back is one that is locked.
+void onPortsThread(PlayerRig &rig, const std::function<void()> &work)
+{
+    QSemaphore done;
+    const auto carryOut = [&] {
+        work();
+        done.release();
+    };
+    QMetaObject::invokeMethod(rig.port(), carryOut, Qt::QueuedConnection);
+    if (!done.tryAcquire(1, kLongestWaitMs))
+        qFatal("the port's thread is locked");
+}
+
+/// Makes the port emit each of its signals, on its thread, whatever a slot does with it in between.
+void makePortSpeak(PlayerRig &rig)
+{
+    SerialPort *const port = rig.port();
+    port->open(kNoDevice, 57600);
+    port->open(rig.line.name(), 57600);
+    port->writeData(bytes("04"));
+    if (port->isOpen() && rig.line.send(bytes("05")))
+        port->findChild<QSerialPort *>()->waitForReadyRead(1000);
+    port->disconnect();
+    port->disconnect();
+}
+
 const Call &operation(const QString &name)
 {
     static const Call none = [](HandDrivenProtocol &) {};
@@ -244,6 +298,9 @@ private Q_SLOTS:
     void makesEverySignalHeard();
     void neverDeadlock_data();
     void neverDeadlock();
+    void makesEverySignalOfThePortHeard();
+    void neverLockThePort_data();
+    void neverLockThePort();
     void opensThePortAgainForTheParserThread();
     void leavesAProtocolOutThatIsGoneByThen();
 };
@@ -301,7 +358,7 @@ void CallbacksTest::neverDeadlock()
     QFETCH(bool, onAnotherThread);
 
     HandDrivenProtocol protocol;
-    auto callers = connectCallers(protocol, operation(name));
+    Callers callers = connectCallers(protocol, operation(name));
     if (onAnotherThread) {
         std::unique_ptr<QThread> other(QThread::create([&] { makeEverythingSpeak(protocol); }));
         other->start();
@@ -317,6 +374,55 @@ void CallbacksTest::neverDeadlock()
     // The link goes on.
     HandDrivenProtocol::buffer()->data.clear();
     QCOMPARE(protocol.passOver(bytes("9f 02 21 08 00 29 9f 03")).last(), QString("write 9f0621219f03"));
+}
+
+void CallbacksTest::makesEverySignalOfThePortHeard()
+{
+    const LogRecorder quiet;
+    PlayerRig rig;
+    rig.start();
+    Callers callers = connectCallers({rig.port()}, [] {});
+    onPortsThread(rig, [&] { makePortSpeak(rig); });
+    QCOMPARE(callers.size(), std::size_t(5));
+    for (const auto &caller : callers)
+        QVERIFY2(caller->calls() > 0, qPrintable(caller->signal()));
+    onPortsThread(rig, [&] { callers.clear(); });
+}
+
+void CallbacksTest::neverLockThePort_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const QString &name : portOperations().keys())
+        QTest::newRow(qPrintable(name + " on the port's thread")) << name;
+}
+
+void CallbacksTest::neverLockThePort()
+{
+    QFETCH(QString, name);
+    const LogRecorder quiet;
+    PlayerRig rig;
+    rig.start();
+    const auto call = portOperations().value(name);
+    Callers callers = connectCallers({rig.port()}, [&] { call(rig); });
+    int calls = 0;
+    onPortsThread(rig, [&] {
+        makePortSpeak(rig);
+        for (const auto &caller : callers)
+            calls += caller->calls();
+        callers.clear();
+    });
+    QVERIFY2(calls >= 4, qPrintable(QString::number(calls)));
+    // What was called back for the player's thread, too.
+    QCoreApplication::sendPostedEvents();
+    // The line goes on.
+    onPortsThread(rig, [&] { rig.port()->open(rig.line.name(), 57600); });
+    rig.protocol.received.clear();
+    QVERIFY(rig.line.send(bytes("06")));
+    QTRY_VERIFY_WITH_TIMEOUT(rig.protocol.received.join().endsWith(bytes("06")), kLongestWaitMs);
+    onPortsThread(rig, [&] { rig.port()->writeData(bytes("07")); });
+    QTRY_VERIFY_WITH_TIMEOUT(rig.line.received().endsWith(bytes("07")), kLongestWaitMs);
+    const QMutexLocker lock(&CanBusReadBuff::instance()->mutex);
+    CanBusReadBuff::instance()->data.clear();
 }
 
 void CallbacksTest::opensThePortAgainForTheParserThread()
