@@ -12,13 +12,10 @@ if(CANBUS_SANITIZE)
   add_link_options(-fsanitize=${CANBUS_SANITIZE})
 endif()
 
-if(CANBUS_PLANT_RACES)
-  if(NOT CANBUS_SANITIZE STREQUAL "thread")
-    message(FATAL_ERROR
-      "CANBUS_PLANT_RACES is ON and CANBUS_SANITIZE is \"${CANBUS_SANITIZE}\": races are planted for the thread "
-      "sanitizer alone")
-  endif()
-  add_compile_definitions(CANBUS_PLANT_RACES)
+if(CANBUS_PLANT_RACES AND NOT CANBUS_SANITIZE STREQUAL "thread")
+  message(FATAL_ERROR
+    "CANBUS_PLANT_RACES is ON and CANBUS_SANITIZE is \"${CANBUS_SANITIZE}\": races are planted for the thread "
+    "sanitizer alone")
 endif()
 
 if(CANBUS_COVERAGE)

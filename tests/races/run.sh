@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Looks for data races, deadlocks and leaked threads: runs the tests, and the commands that they start, with the
-# thread sanitizer on a Qt that is built with it. Then proves that it would find some: the same tests are run
+# thread sanitizer on a Qt that is built with it. Then proves that it would find some: a few of the tests are run
 # once more on a library that lacks three locks, and all three must be reported.
 #
 # usage: run.sh [--short]
@@ -23,6 +23,7 @@ esac
 
 here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd -- "$here/../.." && pwd)
+folder=$root/build/races
 jobs=$(nproc)
 say() { printf 'races: %s\n' "$*"; }
 
@@ -34,31 +35,38 @@ need clang++-14 clang-14
 need llvm-symbolizer-14 llvm-14
 need python3 python3
 
-# One Qt for each version of Qt and of the compiler.
+# One Qt for each version of Qt, of the compiler, and of the way it is built.
 qt_folder() {
-    local qt
+    local qt recipe
     qt=$(dpkg-query -W -f '${source:Version}' libqt5core5a)
-    echo "${XDG_CACHE_HOME:-$HOME/.cache}/canbusservice/qt-tsan/${qt//[^[:alnum:].-]/_}-clang-$(clang++-14 -dumpversion)"
+    recipe=$(cksum <"$here/build-qt.sh")
+    printf '%s/canbusservice/qt-tsan/%s-clang-%s-%s\n' "${XDG_CACHE_HOME:-$HOME/.cache}" \
+        "${qt//[^[:alnum:].-]/_}" "$(clang++-14 -dumpversion)" "${recipe%% *}"
 }
 
-# build FOLDER TARGET OPTION...
+# build TARGET...
+# The commands' resources are not compressed: this Qt
+# may lack what the system's compresses them by.
 build() {
-    local folder=$root/build/$1 target=$2
-    shift 2
     cmake -S "$root" -B "$folder" -G Ninja --log-level=WARNING -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCANBUS_SANITIZE=thread \
-        -DCANBUS_THREAD_QT="$qt" -DCANBUS_LINK_WIDGETS=OFF -DCANBUS_BUILD_TESTS=ON "$@"
-    cmake --build "$folder" -j "$jobs" --target "$target"
+        -DCANBUS_THREAD_QT="$qt" -DCANBUS_PLANT_RACES=ON -DCANBUS_LINK_WIDGETS=OFF -DCANBUS_BUILD_TESTS=ON \
+        -DCMAKE_AUTORCC_OPTIONS=--no-compress
+    cmake --build "$folder" -j "$jobs" --target "$@"
 }
 
-# run FOLDER OPTION...: the tests, with their reports in FOLDER/reports. The tests of the dissector have no threads,
-# and Python.
+# run REPORTS OPTION...: the tests, with their reports in that folder. Most tests name theirs themselves
+# (watch.cmake); those that are no QtTest programs are named by the program.
 run() {
-    local folder=$root/build/$1
+    local reports=$1
     shift
-    rm -rf -- "$folder/reports"
+    rm -rf -- "$folder/reports" "$reports"
     mkdir -p -- "$folder/reports"
-    ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$jobs" -E '^tst_dissector_' "$@"
+    local status=0
+    LD_LIBRARY_PATH=$qt/lib TSAN_OPTIONS="include=$here/options:log_path=$folder/reports/others:log_exe_name=1" \
+        ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$jobs" "$@" || status=1
+    [ "$reports" = "$folder/reports" ] || mv -- "$folder/reports" "$reports"
+    return $status
 }
 
 start=$SECONDS
@@ -72,30 +80,28 @@ qt=$(qt_folder)
 "$here/build-qt.sh" "$qt"
 took "Qt with the thread sanitizer"
 
-threads=(-L '^threads$')
-tests=()
-target=all
+# The tests of the dissector have no threads, and Python.
+tests=(-LE '^planted$' -E '^tst_dissector_')
+targets=(all)
 if [ "$short" ]; then
-    tests=("${threads[@]}")
-    target=tests_with_threads
+    tests=(-L '^threads$')
+    targets=(tests_with_threads)
 fi
 say "building the tests with the thread sanitizer"
-build races "$target"
+build "${targets[@]}" tests_with_planted_races
 took "building"
 
-say "running the tests"
+say "some of the tests on a library that lacks three locks"
 status=0
-run races "${tests[@]}" || status=1
-took "running the tests"
-"$here/reports.py" "$root/build/races/reports" || status=1
-
-say "the same on a library that lacks three locks"
-build races-planted tests_with_threads -DCANBUS_PLANT_RACES=ON
-took "building it"
 # Here they may fail in any way: the reports are what counts.
-run races-planted "${threads[@]}" >"$root/build/races-planted/tests.log" 2>&1 || true
-took "running the tests on it"
-"$here/reports.py" --planted "$root/build/races-planted/reports" || status=1
+run "$folder/reports-planted" -L '^planted$' >"$folder/planted.log" 2>&1 || true
+took "running them"
+"$here/reports.py" --planted "$folder/reports-planted" || status=1
+
+say "running the tests"
+run "$folder/reports" "${tests[@]}" || status=1
+took "running the tests"
+"$here/reports.py" "$folder/reports" || status=1
 
 if [ $status -ne 0 ]; then
     say "FAILED: see above"
