@@ -13,7 +13,7 @@ runs them.
   --jobs N       run N targets at a time; 1 by default
 
 Targets: stream frames protocol decoders texts sendqueue recording scenario.
-Building takes 2 minutes on two cores, once. The first finding of a target ends its run, is kept in
+Building takes a minute and a half of one core, once. The first finding of a target ends its run, is kept in
 build/fuzz/findings, and fails this script. build/fuzz/executions holds what each program has been through; a
 program that was built from other code begins at 0.
 USAGE
