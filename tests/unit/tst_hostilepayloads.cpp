@@ -1,4 +1,6 @@
+#include "handdrivenprotocol.h"
 #include "heardannouncements.h"
+#include "hexbytes.h"
 #include "itemtable.h"
 
 #include <QtCore/QLoggingCategory>
@@ -24,6 +26,8 @@ private Q_SLOTS:
     void announcesWhatTheTableGives_data();
     void announcesWhatTheTableGives();
     void turnsTransitionsIntoTouchesOnly();
+    void answersVersionsAsTheTableGives_data();
+    void answersVersionsAsTheTableGives();
     void storesWhatTheTableGives();
     void coversEverySignal();
     void hasSentEnough();
@@ -32,6 +36,7 @@ private:
     void send(int category, const QByteArray &TPMOD, const QByteArray &payload);
     void sendAll(int category, int mod, int length);
     void compareStored(const char *when);
+    void sendVersion(HandDrivenProtocol &protocol, int mod, const QByteArray &payload);
     QByteArray randomBytes(int length);
 
     std::unique_ptr<HeardAnnouncements> m_heard;
@@ -67,6 +72,42 @@ QByteArray describe(const itemtable::Announcements &announcements)
         debug << itemtable::allRows().at(std::size_t(each.row)).signal << each.value.numbers
               << each.value.texts;
     return text.toUtf8();
+}
+
+/// A Version frame as the box sends it, with the id 35.
+QByteArray versionFrame(int mod, const QByteArray &payload)
+{
+    const QByteArray content = bytes("35 01") + char(mod) + payload;
+    char check = 0;
+    for (const char byte : content)
+        check = char(check ^ byte);
+    return bytes("9f 02") + QByteArray(content + check).replace(bytes("9f"), bytes("9f 9f")) + bytes("9f 03");
+}
+
+/// What the head unit does with it, and what it does when its own frame is then acknowledged.
+struct VersionRow {
+    int readiness; ///< -1: any other
+    QStringList events;
+    const char *answer;
+    QStringList eventsOfAnswer;
+};
+
+const QString kVersionAck = QStringLiteral("write 9f0635359f03");
+const VersionRow kVersionRows[] = {
+    {0, {"write 9f022101000000209f03", kVersionAck}, "9f 06 21 21 9f 03", {}},
+    {1, {"write 9f023501000001359f03", kVersionAck}, "9f 06 35 35 9f 03", {"status true"}},
+    {-1, {kVersionAck}, "", {}},
+};
+// More than the receive buffer holds is thrown away, unread.
+const VersionRow kVersionTooLong {-1, {}, "", {}};
+constexpr int kReceiveBuffer = 2048;
+
+const VersionRow &versionRow(const QByteArray &payload, int frameSize)
+{
+    const int readiness = payload.size() > 1 ? quint8(payload.at(1)) : 0;
+    if (frameSize > kReceiveBuffer)
+        return kVersionTooLong;
+    return kVersionRows[readiness > 1 ? 2 : readiness];
 }
 
 /// What a category that is none of the groups' does with a payload.
@@ -181,6 +222,48 @@ void TestHostilePayloads::turnsTransitionsIntoTouchesOnly()
             QCOMPARE(m_heard->takeTouches(), expected);
         }
     }
+}
+
+void TestHostilePayloads::answersVersionsAsTheTableGives_data()
+{
+    QTest::addColumn<int>("mod");
+    for (const int mod : {0, 1, 2, 3, 4, 5, 6, 7, 8, 0x7F, 0x80, 0x9F, 0xFF})
+        QTest::newRow(qPrintable(QStringLiteral("sub-type %1").arg(mod, 2, 16, QChar('0')))) << mod;
+}
+
+void TestHostilePayloads::answersVersionsAsTheTableGives()
+{
+    QFETCH(int, mod);
+    HandDrivenProtocol protocol;
+    for (const int length : {0, 1, 2, 3, 4, 100, 2000}) {
+        for (const quint8 content : kContents)
+            sendVersion(protocol, mod, QByteArray(length, char(content)));
+        for (int i = 0; i < 20; ++i) {
+            // An escape before a 03 ends the frame there; that has tests of its own.
+            QByteArray payload = randomBytes(length).replace('\x03', '\x04');
+            if (length > 1 && i % 2 == 0)
+                payload[1] = char(i % 3);
+            sendVersion(protocol, mod, payload);
+        }
+    }
+    const QStringList ready = protocol.passOver(bytes("9f 02 35 01 00 00 01 35 9f 03"));
+    QCOMPARE(ready, kVersionRows[1].events);
+}
+
+void TestHostilePayloads::sendVersion(HandDrivenProtocol &protocol, int mod, const QByteArray &payload)
+{
+    const QByteArray frame = versionFrame(mod, payload);
+    if (frame.endsWith(bytes("9f 9f 03 9f 03")))
+        return;
+    const VersionRow &row = versionRow(payload, frame.size());
+    const QByteArray what = frame.toHex();
+    const QStringList events = protocol.passOver(frame);
+    QVERIFY2(events == row.events, what + ": " + events.join(" / ").toUtf8());
+    const QStringList answered = protocol.passOver(bytes(row.answer));
+    QVERIFY2(answered == row.eventsOfAnswer, what + ", answered: " + answered.join(" / ").toUtf8());
+    QVERIFY2(HandDrivenProtocol::buffer()->data.isEmpty(), what);
+    protocol.log().clear();
+    ++m_sent;
 }
 
 void TestHostilePayloads::storesWhatTheTableGives()
