@@ -14,7 +14,6 @@ namespace canbus::headunit {
 
 namespace {
 
-constexpr qint64 kQuietMs = 20000;
 constexpr int kMinuteMs = 60000;
 constexpr int kTouchEventType = 1008;
 
@@ -47,8 +46,8 @@ bool isInput(QEvent::Type type)
 
 } // namespace
 
-Host::Host(QObject *parent)
-    : QObject(parent)
+Host::Host(qint64 quietMs)
+    : m_quietMs(quietMs)
 {
     m_sinceInput.start();
     m_clockTimer.setSingleShot(true);
@@ -99,7 +98,7 @@ bool Host::eventFilter(QObject *watched, QEvent *event)
 void Host::takeTouch(int touch)
 {
     const QString page = pageOf(touch);
-    if (m_followsBox && !m_isReverse && !page.isEmpty() && m_sinceInput.elapsed() >= kQuietMs)
+    if (m_followsBox && !m_isReverse && !page.isEmpty() && m_sinceInput.elapsed() >= m_quietMs)
         Q_EMIT pageWanted(page);
 }
 

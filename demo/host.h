@@ -18,7 +18,10 @@ class Host : public QObject {
     Q_PROPERTY(bool reverse READ isReverse NOTIFY reverseChanged)
 
 public:
-    explicit Host(QObject *parent = nullptr);
+    static constexpr qint64 kQuietMs = 20000;
+
+    /// @param quietMs  for so long nobody has touched anything when a wish of the box is followed
+    explicit Host(qint64 quietMs = kQuietMs);
 
     QString clock() const { return m_clock; }
     bool isReverse() const { return m_isReverse; }
@@ -50,6 +53,7 @@ private:
     QString m_clock;
     bool m_isReverse = false;
     bool m_followsBox = true;
+    qint64 m_quietMs;
     QElapsedTimer m_sinceInput;
     QTimer m_clockTimer;
 };

@@ -60,6 +60,14 @@ void fit(QQuickWindow *window, QQuickItem *panel)
     panel->setParentItem(window->contentItem());
 }
 
+bool isScenario(const QString &path, QString *error)
+{
+    boxsim::Options options;
+    options.scenario = path;
+    QString report;
+    return boxsim::checkScenario(options, &report, error);
+}
+
 void openWindow(QQuickWindow *window, const QString &title, const QSize &size)
 {
     window->setTitle(title);
@@ -120,10 +128,14 @@ int main(int argc, char *argv[])
     QString error;
     if (!parseOptions(argumentsOf(argc, argv), &options, &error))
         return fail(kWrongArguments, error);
-    if (options.wantsHelp)
+    if (options.wantsHelp) {
+        const QCoreApplication named(argc, argv); // the help takes the program's name from it
         return answer(helpText());
+    }
     if (options.wantsVersion)
         return answer(QStringLiteral("canbus-headunit " CANBUS_HEADUNIT_VERSION "\n"));
+    if (!options.scenario.isEmpty() && !isScenario(options.scenario, &error))
+        return fail(kWrongArguments, error);
     takeMessages();
     if (!options.screenshots.isEmpty() && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");

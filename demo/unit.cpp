@@ -31,12 +31,14 @@ QUrl urlOf(const QString &file)
     return QUrl(QStringLiteral("qrc:/headunit/qml/") + file);
 }
 
-/// In a build folder the library's module lies beside the programs.
+/// The library's module, in a build folder or below an own prefix, is found from where the program lies.
 void addOwnModules(QQmlEngine *engine)
 {
-    const QDir folder(QCoreApplication::applicationDirPath() + QStringLiteral("/../qml"));
-    if (folder.exists())
-        engine->addImportPath(folder.canonicalPath());
+    for (const char *place : {"../qml", CANBUS_QML_FROM_COMMANDS}) {
+        const QDir folder(QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(place));
+        if (folder.exists(QStringLiteral("CanBus")))
+            engine->addImportPath(folder.canonicalPath());
+    }
 }
 
 } // namespace
@@ -81,7 +83,8 @@ bool Unit::start(QString *error)
 QObject *Unit::load(const QString &file, const QVariantMap &properties, QString *error)
 {
     QQmlComponent component(m_engine.get(), urlOf(file));
-    QObject *const object = component.createWithInitialProperties(properties);
+    // What is not ready is not to be created: that ends in a crash.
+    QObject *const object = component.isReady() ? component.createWithInitialProperties(properties) : nullptr;
     if (!object)
         *error = loadError(component.errors());
     return object;
