@@ -12,8 +12,10 @@
 #include <QtCore/QHash>
 #include <QtCore/QTimer>
 
+#include <atomic>
 #include <cstdlib>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 // A head unit that leaves its process in the middle of traffic, in the way that its arguments say, each of
@@ -66,6 +68,9 @@ public:
     QString text(const char *name) const { return m_values.value(QLatin1String(name)); }
     int number(const char *name) const { return text(name).toInt(); }
     bool has(const char *name, const char *value) const { return text(name) == QLatin1String(value); }
+
+    /// Whether the exit is to be in a slot, on whichever thread.
+    bool leavesInSlot() const { return has("end", "slot") || has("end", "parser") || has("end", "port"); }
 
 private:
     QHash<QString, QString> m_values;
@@ -127,7 +132,7 @@ private Q_SLOTS:
 
     void onExitDue()
     {
-        if (!m_plan.has("end", "slot") || m_exitInSlot) {
+        if (!m_plan.leavesInSlot() || m_exitInSlot) {
             leave();
             return;
         }
@@ -137,11 +142,19 @@ private Q_SLOTS:
 
     void onTemperature()
     {
-        if (m_exitInSlot)
+        if (m_exitInSlot && m_plan.has("end", "slot"))
             leave();
     }
 
 private:
+    /// A slot that is connected directly, on a thread of the library's: not while the main thread is at it.
+    void leaveHere()
+    {
+        const std::unique_lock<std::mutex> turn(m_turn, std::try_to_lock);
+        if (m_exitInSlot && turn)
+            leaveInTurn();
+    }
+
     int status() const { return m_plan.number("status"); }
 
     VelCanBusProtocol *protocol() { return m_onStack ? &*m_onStack : m_protocol; }
@@ -154,6 +167,10 @@ private:
             m_protocol = new VelCanBusProtocol(m_plan.has("protocol", "child") ? qApp : nullptr);
         if (m_plan.has("protocol", "static"))
             keptToTheLast.reset(m_protocol);
+        if (m_plan.has("end", "parser"))
+            connect(
+                protocol(), &CanbusProtocol::notifyClimateInfo, protocol(), [this] { leaveHere(); },
+                Qt::DirectConnection);
     }
 
     void destroyProtocol()
@@ -178,6 +195,10 @@ private:
     {
         connect(VelClimateGroupCmd::instance(), &VelClimateGroupCmd::updateClimateMainTemp, this,
                 &HeadUnit::onTemperature);
+        if (m_plan.has("end", "port"))
+            connect(
+                CanBusReadBuff::instance(), &CanBusReadBuff::received, CanBusReadBuff::instance(),
+                [this] { leaveHere(); }, Qt::DirectConnection);
         if (m_plan.has("init", "never"))
             return;
         connect(CanBusPlayer::instance(), &CanBusPlayer::canbusConnectStatus, this, &HeadUnit::onLinkStatus);
@@ -208,6 +229,7 @@ private:
 
     void leaveWithoutLoop()
     {
+        m_exitInSlot = m_plan.leavesInSlot();
         const QDeadlineTimer end(m_plan.number("after"), Qt::PreciseTimer);
         for (int rounds = 0; rounds == 0 || !end.hasExpired(); ++rounds) {
             if (m_plan.number("commands") && rounds < 10)
@@ -221,12 +243,18 @@ private:
 
     void sendCommands()
     {
+        const std::unique_lock<std::mutex> turn(m_turn, std::try_to_lock);
+        if (!turn)
+            return;
         VelClimateGroupCmd::instance()->acBtn();
         VelGaugesGroupCmd::instance()->Gauge2_TopLeft(m_frames % 2 == 0);
     }
 
     void renew()
     {
+        const std::unique_lock<std::mutex> turn(m_turn, std::try_to_lock);
+        if (!turn)
+            return;
         destroyProtocol();
         makeProtocol();
         if (!m_plan.has("init", "never") && !m_plan.has("init", "null"))
@@ -236,6 +264,9 @@ private:
     /// What the port's thread does with bytes of a line, for a head unit without one.
     void feed()
     {
+        const std::unique_lock<std::mutex> turn(m_turn, std::try_to_lock);
+        if (!turn)
+            return;
         CanBusReadBuff *const buffer = CanBusReadBuff::instance();
         const QVector<QByteArray> &frames = trafficFrames();
         const QMutexLocker lock(&buffer->mutex);
@@ -252,12 +283,18 @@ private:
 
     void leave()
     {
+        const std::lock_guard<std::mutex> turn(m_turn);
+        leaveInTurn();
+    }
+
+    void leaveInTurn()
+    {
         m_leaving = true;
         say("exit " + QByteArray::number(nowMs()));
         misbehaveAsPlanned();
         if (m_plan.has("protocol", "deleted"))
             destroyProtocol();
-        if (m_plan.has("end", "exit") || m_plan.has("end", "slot"))
+        if (m_plan.has("end", "exit") || m_plan.leavesInSlot())
             ::exit(status());
         if (m_plan.has("end", "quit"))
             QCoreApplication::quit();
@@ -296,8 +333,9 @@ private:
     QTimer m_hangUpTimer;
     int m_frames = 0;
     bool m_wasUp = false;
-    bool m_exitInSlot = false;
-    bool m_leaving = false;
+    std::mutex m_turn; ///< one thread of the head unit's own at a time, and none once one of them leaves
+    std::atomic<bool> m_exitInSlot {false};
+    std::atomic<bool> m_leaving {false};
 };
 
 } // namespace
