@@ -65,6 +65,7 @@ private Q_SLOTS:
 
     void requestsAndChecksWhenTheTimersExpire();
     void logsTheCheck();
+    void doesTheSameWithDebugLinesSwitchedOff();
     void logsNoExpiryInTheHandshake();
 };
 
@@ -328,6 +329,17 @@ void VelCanBusProtocolHandshakeTest::logsTheCheck()
     QCOMPARE(protocol.log().messages("[DBG]"), QStringList {"0 9f020001000001009f03"});
     protocol.passOver(bytes("9f 02 0e 01 00 00 01 0e 9f 03"));
     QCOMPARE(protocol.log().messages("[DBG]").last(), QString("e 9f020e010000010e9f03"));
+}
+
+void VelCanBusProtocolHandshakeTest::doesTheSameWithDebugLinesSwitchedOff()
+{
+    HandDrivenProtocol protocol;
+    QLoggingCategory::defaultCategory()->setEnabled(QtDebugMsg, false);
+    connectLink(protocol);
+    protocol->onCheckConnectTmrout();
+    QCOMPARE(protocol.takeEvents(), QStringList {kCheck});
+    QCOMPARE(protocol.sendTimerExpires(), QStringList {kCheck});
+    QCOMPARE(protocol.log().lines().size(), 0);
 }
 
 void VelCanBusProtocolHandshakeTest::logsNoExpiryInTheHandshake()
