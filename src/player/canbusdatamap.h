@@ -7,6 +7,7 @@
 #include <QtCore/QMap>
 #include <QtCore/QMutex>
 #include <QtCore/QObject>
+#include <QtCore/QSet>
 #include <QtCore/QVariant>
 
 #include <initializer_list>
@@ -46,8 +47,9 @@ public:
 private:
     CanBusDataMap() = default;
 
-    QMutex m_mutex;                       // guards m_records
+    QMutex m_mutex;                       // guards all below
     QMap<int, QList<QVariant>> m_records; // keyed by the category, widened without sign
+    QSet<int> m_shared;                   // whose list somebody else has or had, too
 };
 
 } // namespace canbus

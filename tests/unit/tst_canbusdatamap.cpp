@@ -39,6 +39,7 @@ private Q_SLOTS:
     void keepsCategoriesApart();
     void givesCopies();
     void bearsAReaderAndAWriterAtOnce();
+    void bearsAReaderWhileFramesAreStored();
 };
 
 void TestCanBusDataMap::isOneForTheProcess()
@@ -177,6 +178,30 @@ void TestCanBusDataMap::bearsAReaderAndAWriterAtOnce()
         broken += whole && (id == bytes("11") || id == bytes("22")) && map()->isHasData(0x38) ? 0 : 1;
     }
     QVERIFY(writer->wait(60000));
+    QCOMPARE(broken, 0);
+}
+
+void TestCanBusDataMap::bearsAReaderWhileFramesAreStored()
+{
+    map()->setRecord(0x39, {bytes("11"), bytes("11 11")});
+    std::atomic<bool> done {false};
+    const std::unique_ptr<QThread> parser(QThread::create([&done] {
+        for (int count = 0; count < 20000; ++count) {
+            map()->setRecord(0x39, {bytes("22"), bytes("22 22")});
+            map()->setRecord(0x39, {bytes("11"), bytes("11 11")});
+        }
+        done = true;
+    }));
+    parser->start();
+    int broken = 0;
+    while (!done) {
+        const Record record = map()->getData(0x39);
+        const bool whole =
+            record == Record {bytes("11"), bytes("11 11")} || record == Record {bytes("22"), bytes("22 22")};
+        const QByteArray id = map()->getId(0x39);
+        broken += whole && (id == bytes("11") || id == bytes("22")) ? 0 : 1;
+    }
+    QVERIFY(parser->wait(60000));
     QCOMPARE(broken, 0);
 }
 
