@@ -90,9 +90,10 @@ public:
     {
         if (this->page() == page)
             return true;
-        QSignalSpy frames(&window, &QQuickWindow::frameSwapped);
         click(page + QStringLiteral("Tab"));
-        return this->page() == page && (!frames.isEmpty() || frames.wait(kLongMs));
+        QSignalSpy frames(&window, &QQuickWindow::frameSwapped);
+        window.update();
+        return frames.wait(kLongMs) && this->page() == page;
     }
 
     /// How often the box has got the command, with at least these arguments; retransmissions do not count.
