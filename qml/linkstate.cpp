@@ -130,8 +130,8 @@ void LinkState::takeReceived(const QByteArray &block)
 {
     if (!m_isRecording)
         return;
-    const QList<QByteArray> frames = m_splitter.add(block);
-    for (const QByteArray &frame : frames)
+    const QList<QByteArray> ended = m_splitter.add(block);
+    for (const QByteArray &frame : ended)
         keep(FramesModel::Direction::Received, frame);
 }
 

@@ -88,7 +88,7 @@ void TestFrameSplitter::forgetsWhatHasNotEnded()
     FrameSplitter splitter;
     splitter.add(bytes("9f 02 21 9f"));
     splitter.clear();
-    QCOMPARE(described(splitter.add(bytes("03 9f 06 21 21 9f 03"))), QStringLiteral("03|9f0621219f03"));
+    QCOMPARE(described(splitter.add(bytes("03 31 9f 06 21 21 9f 03"))), QStringLiteral("0331|9f0621219f03"));
 }
 
 void TestFrameSplitter::keepsNoEndlessFrame()

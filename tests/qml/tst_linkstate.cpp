@@ -58,12 +58,15 @@ private Q_SLOTS:
     void announcesFiguresThatHaveChanged();
     void announcesNoFiguresThatStayAsTheyAre();
     void isValidOnceAFrameHasArrived();
+    void isValidWhileTheLinkIsUp();
     void hasNoFiguresOfAProtocolThatCountsNone();
     void waitsForAProtocolToRecord();
     void recordsTheNextProtocol();
     void doesNotRecordTheFormerProtocol();
     void takesNothingThatWasUnderWayWhenRecordingEnded();
     void recordsInTheOrderOfWriting();
+    void recordsOnceWhenStartedAgain();
+    void beginsWithAWholeFrameWhenStartedAgain();
 
 private:
     void join(CanbusProtocol *protocol)
@@ -152,6 +155,21 @@ void TestLinkState::isValidOnceAFrameHasArrived()
     QTRY_VERIFY(link.isValid());
     QVERIFY(link.isStale());
     QVERIFY(LinkState().isValid());
+}
+
+void TestLinkState::isValidWhileTheLinkIsUp()
+{
+    PlainProtocol protocol;
+    join(&protocol);
+    CanBusPlayer::instance()->setCanbusConnectStatus(true);
+    const LinkState link;
+    QVERIFY(link.isConnected());
+    QVERIFY(link.isValid());
+    QVERIFY(!link.isStale());
+    CanBusPlayer::instance()->setCanbusConnectStatus(false);
+    QVERIFY(!link.isConnected());
+    QVERIFY(link.isValid());
+    QVERIFY(link.isStale());
 }
 
 void TestLinkState::hasNoFiguresOfAProtocolThatCountsNone()
@@ -246,6 +264,35 @@ void TestLinkState::recordsInTheOrderOfWriting()
     QTRY_COMPARE(link.frames()->rowCount(), 2);
     QCOMPARE(hexOf(link, 0), QStringLiteral("32"));
     QCOMPARE(hexOf(link, 1), QStringLiteral("31"));
+}
+
+void TestLinkState::recordsOnceWhenStartedAgain()
+{
+    LinkState link;
+    PlainProtocol protocol;
+    join(&protocol);
+    for (const bool isRecording : {true, false, true})
+        link.setRecording(isRecording);
+    Q_EMIT CanBusReadBuff::instance()->received(bytes("9f 06 21 21 9f 03"));
+    Q_EMIT protocol.onWritPortData(bytes("31"));
+    QTRY_COMPARE(link.lastSent(), QStringLiteral("31"));
+    QCOMPARE(link.frames()->rowCount(), 2);
+    QCOMPARE(hexOf(link, 1), QStringLiteral("9f 06 21 21 9f 03"));
+}
+
+void TestLinkState::beginsWithAWholeFrameWhenStartedAgain()
+{
+    LinkState link;
+    PlainProtocol protocol;
+    join(&protocol);
+    link.setRecording(true);
+    Q_EMIT CanBusReadBuff::instance()->received(bytes("9f 02 21"));
+    QCoreApplication::processEvents();
+    link.setRecording(false);
+    link.setRecording(true);
+    Q_EMIT CanBusReadBuff::instance()->received(bytes("9f 06 21 21 9f 03"));
+    QTRY_COMPARE(link.lastReceived(), QStringLiteral("9f 06 21 21 9f 03"));
+    QCOMPARE(link.frames()->rowCount(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestLinkState)

@@ -32,7 +32,8 @@ QMap<QString, Row> tableOf(const QString &document, const QString &name)
     const QString section =
         document.section("### " + name + '\n', 1).section("\n### ", 0, 0).section("\n## ", 0, 0);
     QMap<QString, Row> rows;
-    for (const QString &line : section.split('\n')) {
+    const QStringList lines = section.split('\n');
+    for (const QString &line : lines) {
         if (!line.startsWith(QLatin1String("| `")))
             continue;
         const QStringList columns = line.split('|');

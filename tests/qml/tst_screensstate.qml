@@ -32,4 +32,9 @@ ItemTest {
                       reverseCamera: true })
         expectChanged(["numbers", "menu", "climate", "gauges", "vehicle"])
     }
+
+    function test_4_theSameNumbersAreNoChange() {
+        ScreensState.numbers = { menu: 0, climate: 4, parking: 2, gauges: 17 }
+        expectChanged([])
+    }
 }
