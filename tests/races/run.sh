@@ -45,8 +45,7 @@ qt_folder() {
 }
 
 # build TARGET...
-# The commands' resources are not compressed: this Qt
-# may lack what the system's compresses them by.
+# The commands' resources are not compressed: this Qt may lack what the system's compresses them by.
 build() {
     cmake -S "$root" -B "$folder" -G Ninja --log-level=WARNING -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCANBUS_SANITIZE=thread \
@@ -56,7 +55,7 @@ build() {
 }
 
 # run REPORTS OPTION...: the tests, with their reports in that folder. Most tests name theirs themselves
-# (watch.cmake); those that are no QtTest programs are named by the program.
+# (watch.cmake); those that are no QtTest programs are named by the program. The tests wait more than they work.
 run() {
     local reports=$1
     shift
@@ -64,7 +63,7 @@ run() {
     mkdir -p -- "$folder/reports"
     local status=0
     LD_LIBRARY_PATH=$qt/lib TSAN_OPTIONS="include=$here/options:log_path=$folder/reports/others:log_exe_name=1" \
-        ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$jobs" "$@" || status=1
+        ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$((2 * jobs))" "$@" || status=1
     [ "$reports" = "$folder/reports" ] || mv -- "$folder/reports" "$reports"
     return $status
 }
