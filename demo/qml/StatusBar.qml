@@ -78,6 +78,7 @@ Rectangle {
             width: Theme.touch
             height: parent.height
             radius: Theme.px(4)
+            ringMargin: Theme.px(4)
             onTapped: bar.nightTapped()
 
             Rectangle {

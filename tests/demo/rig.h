@@ -58,6 +58,19 @@ public:
             .value<QQuickItem *>();
     }
 
+    /// An item by its name, below another.
+    static QQuickItem *findIn(QQuickItem *item, const QString &name)
+    {
+        const QList<QQuickItem *> children = item->childItems();
+        for (QQuickItem *child : children) {
+            if (child->objectName() == name)
+                return child;
+            if (QQuickItem *const found = findIn(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+
     /// An item by the names on the way to it: "main/plus".
     QQuickItem *find(const QString &path) const
     {
@@ -119,17 +132,5 @@ private:
                 return false;
         }
         return true;
-    }
-
-    static QQuickItem *findIn(QQuickItem *item, const QString &name)
-    {
-        const QList<QQuickItem *> children = item->childItems();
-        for (QQuickItem *child : children) {
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem *const found = findIn(child, name))
-                return found;
-        }
-        return nullptr;
     }
 };

@@ -33,10 +33,12 @@ PressArea {
 
         Label {
             anchors.horizontalCenter: parent.horizontalCenter
-            width: Math.min(implicitWidth, button.width - Theme.px(10))
+            width: button.width - Theme.px(10)
             visible: text !== ""
             text: button.text
             font.pixelSize: Theme.smallText
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: Theme.px(13)
             horizontalAlignment: Text.AlignHCenter
         }
     }

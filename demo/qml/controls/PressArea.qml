@@ -11,6 +11,7 @@ Item {
     property bool down: mouse.pressed || keyIsDown
     property bool keyIsDown: false
     property int radius: Theme.radius
+    property int ringMargin: -Theme.px(4) // of the frame that shows the focus
     readonly property bool takesFocus: enabled && visible
 
     signal began
@@ -65,10 +66,10 @@ Item {
 
     Rectangle {
         anchors.fill: parent
-        anchors.margins: -Theme.px(4)
+        anchors.margins: area.ringMargin
         z: 10
         visible: area.activeFocus && Theme.showsFocus
-        radius: area.radius + Theme.px(4)
+        radius: Math.max(Theme.px(6), area.radius - area.ringMargin)
         color: "transparent"
         border.width: Theme.px(3)
         border.color: Theme.accent

@@ -10,6 +10,7 @@ PressArea {
     property bool current: false
 
     radius: 0
+    ringMargin: Theme.px(4)
 
     Rectangle {
         anchors.fill: parent

@@ -60,7 +60,7 @@ Card {
             width: parent.width
             height: card.rowHeight
             name: "manualTemp"
-            text: "Temperature by hand"
+            text: "Manual temperature"
             value: ClimateState.manualTemp
             color: Theme.warm
             onPlus: Climate.manualMainZoneTempUp(isPress)

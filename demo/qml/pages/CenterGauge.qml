@@ -14,7 +14,7 @@ PressArea {
     property int peak: 0
     property bool shift: false
     readonly property color peakColor: Theme.peak(peak)
-    readonly property real labelRadius: dial.width / 2 - dial.thickness - Theme.px(24)
+    readonly property real labelRadius: dial.width / 2 - 1.4 * dial.thickness - Theme.px(25)
     readonly property string number: valueText.split(" ")[0]
 
     radius: Theme.radius + Theme.px(4)
@@ -71,6 +71,8 @@ PressArea {
             width: parent.width
             text: gauge.texts[0] || ""
             font.pixelSize: Theme.bodyText
+            fontSizeMode: Text.HorizontalFit
+            minimumPixelSize: Theme.px(14)
             color: Theme.textDim
             horizontalAlignment: Text.AlignHCenter
         }

@@ -14,10 +14,10 @@ Item {
         id: when
 
         anchors.verticalCenter: parent.verticalCenter
-        width: Theme.px(118)
+        width: Theme.px(110)
         text: line.time
         font.family: Theme.mono
-        font.pixelSize: Theme.px(15)
+        font.pixelSize: Theme.px(14)
         color: Theme.textDim
     }
 
@@ -39,6 +39,6 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         text: line.hex
         font.family: Theme.mono
-        font.pixelSize: Theme.px(15)
+        font.pixelSize: Theme.px(14)
     }
 }

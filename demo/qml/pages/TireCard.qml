@@ -28,9 +28,12 @@ Card {
         anchors.bottom: parent.bottom
         anchors.bottomMargin: Theme.px(8)
         anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(implicitWidth, parent.width - Theme.px(12))
+        width: parent.width - Theme.px(12)
+        height: Theme.px(44)
         text: card.text || "--"
-        font.pixelSize: Theme.px(34)
+        font.pixelSize: card.text.length < 7 ? Theme.px(34) : card.text.length < 12 ? Theme.px(22) : Theme.smallText
+        horizontalAlignment: Text.AlignHCenter
+        wrapMode: Text.WordWrap
         font.weight: Font.DemiBold
         color: card.condition === 1 ? Theme.caution : card.condition === 2 ? Theme.alarm : Theme.text
     }

@@ -12,7 +12,7 @@ LampButton {
     property string offValue: "false"
     property bool on: false
 
-    function send() {
+    function tell() {
         Box.send(fields.map(field => field + "=" + (on ? onValue : offValue)).join(" "))
     }
 
@@ -20,7 +20,7 @@ LampButton {
     lamp: on ? 1 : 0
     onTapped: {
         on = !on
-        send()
+        tell()
     }
-    Component.onCompleted: send()
+    Component.onCompleted: tell()
 }

@@ -9,13 +9,13 @@ DragBar {
     property var fields: []
     property int minimum: 0
 
-    function send(position) {
+    function tell(position) {
         Box.send(fields.map(field => field + "=" + (minimum + position)).join(" "))
     }
 
     onChosen: {
         slider.value = value
-        send(value)
+        tell(value)
     }
-    Component.onCompleted: send(value)
+    Component.onCompleted: tell(value)
 }
