@@ -40,6 +40,15 @@ void clearReceiveBuffer()
     CanBusReadBuff::instance()->data.clear();
 }
 
+/// Lets a link with the shortest interval look some times.
+void waitForLooks()
+{
+    QTimer looks;
+    const QSignalSpy looked(&looks, &QTimer::timeout);
+    looks.start(LinkState::kShortestRefreshMs);
+    QTRY_VERIFY(looked.count() >= 5);
+}
+
 QString hexOf(LinkState &link, int row)
 {
     return link.frames()->data(link.frames()->index(row), FramesModel::HexRole).toString();
@@ -135,10 +144,7 @@ void TestLinkState::announcesNoFiguresThatStayAsTheyAre()
     link.setRefreshInterval(50);
     QVERIFY(!link.figures().isEmpty());
     const QSignalSpy changed(&link, &LinkState::figuresChanged);
-    QTimer looks;
-    const QSignalSpy looked(&looks, &QTimer::timeout);
-    looks.start(50);
-    QTRY_VERIFY(looked.count() >= 5);
+    waitForLooks();
     QVERIFY(link.isRefreshing());
     QCOMPARE(changed.count(), 0);
 }
@@ -186,6 +192,7 @@ void TestLinkState::waitsForAProtocolToRecord()
     LinkState link;
     link.setRefreshInterval(50);
     link.setRecording(true);
+    waitForLooks();
     QVERIFY(link.isRefreshing());
     PlainProtocol protocol;
     join(&protocol);
