@@ -12,7 +12,8 @@ RECEIVED = {
 }
 MOST = {
     "receive/2,046 bytes of doubled escapes": ("one pass over 2,046 bytes of doubled escapes", 50000),
-    "receive/2 KB of noise": ("one pass over 2 KB of noise", 400),
+    "receive/2 KB of noise without an escape": ("one pass over 2 KB of noise without an escape", 400),
+    "receive/2 KB of noise": ("one pass over 2 KB of noise, eight escapes in it", 400),
     "log line/off": ("a log line, its level off", 35),
     "log line/on, empty handler": ("a log line, into an empty handler", 6000),
     "split 60 bytes of text": ("splitting 60 bytes of text", 4000),
@@ -84,7 +85,7 @@ def count_rows(counts, facts):
     yield Row("asking for the thread's id, in 100 lines after a thread's first", f"{asked:g}", goal="0", met=asked == 0)
     for group in FIXED_WIDTH + WITH_TEXTS:
         yield from decoding_rows(group, counts, allocated)
-    yield Row("instance() to port open", instructions(counts["start"]), goal="kept")
+    yield Row("instance() to port open", instructions(counts["start"]))
 
 
 def decoding_rows(group, counts, allocated):

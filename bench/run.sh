@@ -9,10 +9,10 @@ build=${CANBUS_BENCH_BUILD:-$root/build/release}
 
 for argument; do
     case $argument in
-        --help | -h) exec python3 "$here/bench.py" --help ;;
+        --help | -h) exec python3 -B "$here/bench.py" --help ;;
     esac
 done
 [ -e "$build/build.ninja" ] || cmake -S "$root" -B "$build" --preset release --log-level=WARNING
 cmake -S "$root" -B "$build" --log-level=WARNING -DCANBUS_BUILD_BENCH=ON >/dev/null
 cmake --build "$build" -j "$(nproc)" --target bench/all canbus-boxsim canbus-monitor >/dev/null
-exec nice -n 0 python3 "$here/bench.py" --build "$build" "$@"
+exec python3 -B "$here/bench.py" --build "$build" "$@"
