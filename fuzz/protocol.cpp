@@ -1,3 +1,4 @@
+#include "canbusdatamap.h"
 #include "plainqueue.h"
 #include "plainreader.h"
 #include "target.h"
@@ -9,8 +10,9 @@
 #include <vector>
 
 /// The real protocol object, driven on this thread: what arrives in chunks with a pass behind each, the send
-/// timer's expiry, commands, connect requests and connection checks. All that it emits is compared with what
-/// a plain reader and a plain queue make of the same.
+/// timer's expiry, commands, connect requests and connection checks. All that it emits, and the records that
+/// it stores, are compared with what a plain reader and a plain queue make of the same; a report and a record
+/// are kept, as a host may do, and must not change.
 ///
 /// The input: instructions of one byte and what they carry; see operate().
 
@@ -58,6 +60,10 @@ public:
     {
         static const QByteArray ready("\x9f\x02\x40\x01\x00\x00\x01\x40\x9f\x03", 10);
         QCoreApplication::removePostedEvents(nullptr, QEvent::MetaCall);
+        // Now each has been read by somebody.
+        static constexpr quint8 kCategories[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x11};
+        for (const quint8 category : kCategories)
+            CanBusDataMap::instance()->getData(category);
         buffer()->data = ready;
         m_protocol->onParseDataTmrout();
         forget();
@@ -164,7 +170,15 @@ public:
 
     /// What is to be emitted since the last forget(), in order.
     const std::vector<Event> &events() const { return m_events; }
-    void forget() { m_events.clear(); }
+    /// What is to be stored since then; empty where nothing is.
+    const QList<QVariant> &record() const { return m_record; }
+    quint8 category() const { return m_category; }
+
+    void forget()
+    {
+        m_events.clear();
+        m_record.clear();
+    }
 
 private:
     void answer(quint8 kind)
@@ -186,13 +200,17 @@ private:
     void decode(const fuzz::PlainFrame &frame)
     {
         m_decodedId = frame.id;
-        const int tp = frame.tp.isEmpty() ? 0 : quint8(frame.tp.at(0));
-        if (tp == 0x01)
-            version(frame);
-        else if (tp >= 0x03 && tp <= 0x06)
-            m_events.push_back({Event::Report, frame.data, frame.mod, tp});
-        else if (tp == 0x02 || tp == 0x07 || tp == 0x11)
-            m_events.push_back({Event::Report, frame.data, {}, tp});
+        m_category = frame.tp.isEmpty() ? quint8(0) : quint8(frame.tp.at(0));
+        if (m_category >= 0x03 && m_category <= 0x06) {
+            m_record = {frame.id, frame.mod, frame.data};
+            m_events.push_back({Event::Report, frame.data, frame.mod, m_category});
+        } else if ((m_category >= 0x01 && m_category <= 0x07) || m_category == 0x11) {
+            m_record = {frame.id, frame.data};
+            if (m_category == 0x01)
+                version(frame);
+            else
+                m_events.push_back({Event::Report, frame.data, {}, m_category});
+        }
         answer(0x06);
     }
 
@@ -224,6 +242,25 @@ private:
     fuzz::PlainQueue m_queue;
     QByteArray m_decodedId;
     std::vector<Event> m_events;
+    QList<QVariant> m_record;
+    quint8 m_category = 0;
+};
+
+/// What is kept of the library's own, and what it must stay like.
+template <class Kept>
+class Keeper {
+public:
+    void keep(const Kept &real, const Kept &plain)
+    {
+        m_real = real;
+        m_plain = plain;
+    }
+
+    bool isUnchanged() const { return m_real == m_plain; }
+
+private:
+    Kept m_real;
+    Kept m_plain;
 };
 
 class Run {
@@ -309,13 +346,35 @@ private:
     void compare()
     {
         fuzz::check(m_bench.events() == m_plain.events(), "the protocol emits what the book says");
+        fuzz::check(m_report.isUnchanged() && m_record.isUnchanged(), "what a host keeps stays what it was");
+        for (std::size_t i = 0; i < m_plain.events().size(); ++i) {
+            if (m_plain.events()[i].kind == Event::Report)
+                m_report.keep(m_bench.events()[i], m_plain.events()[i]);
+        }
+        if (!m_plain.record().isEmpty())
+            compareRecord(m_plain.category(), m_plain.record());
         m_bench.forget();
         m_plain.forget();
         fuzz::check(fuzz::isSame(m_plain.buffer(), Bench::buffer()->data), "and leaves the same bytes");
     }
 
+    /// Some records are read whole and kept, others are not read: what comes next may take their place.
+    void compareRecord(quint8 category, const QList<QVariant> &plain)
+    {
+        CanBusDataMap *const map = CanBusDataMap::instance();
+        const QByteArray id = plain.constFirst().toByteArray();
+        fuzz::check(map->getId(category) == id, "the category's last id is stored");
+        if (quint8(id.at(0)) % 2 == 0)
+            return;
+        const QList<QVariant> record = map->getData(category);
+        fuzz::check(record == plain, "and its whole record");
+        m_record.keep(record, plain);
+    }
+
     Bench &m_bench;
     PlainProtocol m_plain;
+    Keeper<Event> m_report;
+    Keeper<QList<QVariant>> m_record;
 };
 
 } // namespace
