@@ -4,6 +4,7 @@
 #include "grouptexts.h"
 #include "support/bytes.h"
 #include "support/changerule.h"
+#include "support/processwide.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -66,8 +67,8 @@ int lowNibbleState(const QByteArray &data, int byte)
 
 VelClimateGroupCmd *VelClimateGroupCmd::instance()
 {
-    static VelClimateGroupCmd group;
-    return &group;
+    static const ProcessWide<VelClimateGroupCmd> group;
+    return group.get();
 }
 
 VelClimateGroupCmd::VelClimateGroupCmd(QObject *parent)

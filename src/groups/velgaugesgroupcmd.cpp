@@ -5,6 +5,7 @@
 #include "grouptexts.h"
 #include "support/bytes.h"
 #include "support/changerule.h"
+#include "support/processwide.h"
 #include "support/text.h"
 
 #include <algorithm>
@@ -52,8 +53,8 @@ int splitScale(QStringList &scale, const QByteArray &data)
 
 VelGaugesGroupCmd *VelGaugesGroupCmd::instance()
 {
-    static VelGaugesGroupCmd group;
-    return &group;
+    static const ProcessWide<VelGaugesGroupCmd> group;
+    return group.get();
 }
 
 VelGaugesGroupCmd::VelGaugesGroupCmd(QObject *parent)

@@ -5,6 +5,7 @@
 #include "grouptexts.h"
 #include "support/bytes.h"
 #include "support/changerule.h"
+#include "support/processwide.h"
 
 #include <array>
 
@@ -19,8 +20,8 @@ constexpr int kStatusByte = 16;
 
 VelParkingGroupCmd *VelParkingGroupCmd::instance()
 {
-    static VelParkingGroupCmd group;
-    return &group;
+    static const ProcessWide<VelParkingGroupCmd> group;
+    return group.get();
 }
 
 VelParkingGroupCmd::VelParkingGroupCmd(QObject *parent)

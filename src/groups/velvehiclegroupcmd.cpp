@@ -5,6 +5,7 @@
 #include "grouptexts.h"
 #include "support/bytes.h"
 #include "support/changerule.h"
+#include "support/processwide.h"
 
 #include <array>
 
@@ -20,8 +21,8 @@ constexpr int kTireTextDelayMs = 300;
 
 VelVehicleGroupCmd *VelVehicleGroupCmd::instance()
 {
-    static VelVehicleGroupCmd group;
-    return &group;
+    static const ProcessWide<VelVehicleGroupCmd> group;
+    return group.get();
 }
 
 VelVehicleGroupCmd::VelVehicleGroupCmd(QObject *parent)

@@ -1,7 +1,22 @@
 #include "receivepath.h"
 #include "velcanbusprotocol.h"
 
+#include <memory>
+
 namespace canbus {
+
+namespace {
+
+/// A thread holds the buffer at the end of the process when a slot has called exit() in a parsing pass.
+void destroyUnlessHeld(CanBusReadBuff *buffer)
+{
+    if (!buffer->mutex.tryLock())
+        return;
+    buffer->mutex.unlock();
+    delete buffer;
+}
+
+} // namespace
 
 CanBusReadBuff::CanBusReadBuff()
 {
@@ -10,10 +25,9 @@ CanBusReadBuff::CanBusReadBuff()
 
 CanBusReadBuff *CanBusReadBuff::instance()
 {
-    // Never destroyed: a slot that calls exit() on the parser thread holds the mutex until the process is
-    // gone.
-    static CanBusReadBuff *const buffer = new CanBusReadBuff;
-    return buffer;
+    static const std::unique_ptr<CanBusReadBuff, void (*)(CanBusReadBuff *)> buffer(new CanBusReadBuff,
+                                                                                    destroyUnlessHeld);
+    return buffer.get();
 }
 
 } // namespace canbus

@@ -16,6 +16,7 @@
 #include "pindriver.h"
 #include "serialport.h"
 #include "support/bytes.h"
+#include "support/processwide.h"
 #include "support/text.h"
 #include "support/threadsatexit.h"
 #include "velcanbusprotocol.h"
@@ -164,8 +165,8 @@ void CanBusPlayerPrivate::connectAll()
 
 CanBusPlayer *CanBusPlayer::instance()
 {
-    static CanBusPlayer player;
-    return &player;
+    static const ProcessWide<CanBusPlayer> player;
+    return player.get();
 }
 
 CanBusPlayer::CanBusPlayer(QObject *parent)
