@@ -118,17 +118,17 @@ void SimulatedBox::run()
         m_started.release();
         return;
     }
-    Worker worker(this, line.get(), std::move(m_setup));
-    m_worker = &worker;
+    m_worker = std::make_unique<Worker>(this, line.get(), std::move(m_setup));
     m_started.release();
     exec();
+    m_worker.reset();
 }
 
 void SimulatedBox::send(const QString &line)
 {
     if (!isRunning())
         return;
-    Worker *const worker = m_worker;
+    Worker *const worker = m_worker.get();
     QMetaObject::invokeMethod(
         worker, [worker, line] { worker->take(line); }, Qt::QueuedConnection);
 }

@@ -34,7 +34,8 @@ public:
     /// The line to open.
     QString port() const;
 
-    /// Gives the box a line as canbus-boxsim reads them, for example "vehicle.door.1=open".
+    /// Gives the box a line as canbus-boxsim reads them, for example "vehicle.door.1=open". After begin() and
+    /// before the end of the object.
     Q_INVOKABLE void send(const QString &line);
 
 Q_SIGNALS:
@@ -59,7 +60,7 @@ private:
     boxsim::Setup m_setup;
     QSemaphore m_started;
     QString m_error;
-    Worker *m_worker = nullptr; // lives while run() does
+    std::unique_ptr<Worker> m_worker; // made, used and ended on the box's thread
 };
 
 } // namespace canbus::headunit

@@ -67,7 +67,8 @@ bool Unit::start(QString *error)
     m_protocol = openPort(m_options.port, m_options.baud, error);
     if (!m_protocol)
         return false;
-    m_host.setFollowsBox(m_options.screenshots.isEmpty());
+    if (!m_options.screenshots.isEmpty())
+        m_host.setFollowsBox(false);
     qmlRegisterSingletonInstance(kModule, 1, 0, "Host", &m_host);
     if (m_box)
         qmlRegisterSingletonInstance(kModule, 1, 0, "Box", m_box.get());
