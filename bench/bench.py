@@ -12,6 +12,7 @@ import measure
 import rows
 import timing
 
+ARM_BUILD = pathlib.Path(__file__).resolve().parents[1] / "build/armhf"
 BASELINE = pathlib.Path(__file__).resolve().parent / "baseline.json"
 
 
@@ -23,6 +24,9 @@ def parsed_arguments():
     parser.add_argument("--only", choices=("counts", "times"), help="measure only these")
     parser.add_argument("--counts", action="store_const", const="counts", dest="only", help="like --only counts")
     parser.add_argument("--long", action="store_true", help="the full line for ten minutes instead of 20 s")
+    parser.add_argument(
+        "--arm", type=pathlib.Path, default=ARM_BUILD, metavar="FOLDER", help="the cross build (default: build/armhf)"
+    )
     parser.add_argument("--build", type=pathlib.Path, required=True, help=argparse.SUPPRESS)
     arguments = parser.parse_args()
     if arguments.update and arguments.only == "times":
@@ -66,7 +70,7 @@ def run(arguments):
     if arguments.only != "times":
         made_with, counts = measured_counts(folder, everything, table)
     if arguments.only != "counts":
-        table += timing.rows(folder, everything, arguments.long)
+        table += timing.rows(folder, arguments.arm / "bench", everything, arguments.long)
     print(rows.table(table))
     missed = sum(row.met is False for row in table)
     print(f"\n{sum(row.met is True for row in table)} goals met, {missed} missed")

@@ -4,12 +4,14 @@ import os
 import pathlib
 import platform
 import re
+import shutil
 import subprocess
 import tempfile
 
 
 NOTHING = "nothing"
 RUNS = 3
+ARM_FRAMES = (60, 360)  # six kinds in turn
 
 
 class MeasureError(Exception):
@@ -84,6 +86,27 @@ def facts(folder):
             found[kind][name] = float(value)
     found["allocations"].pop(NOTHING, None)
     return found
+
+
+def arm_instructions(folder):
+    """Instructions for a frame on ARM, counted by qemu: None without a cross build or qemu."""
+    program, root = folder / "bench-frames", os.environ.get("CANBUS_SYSROOT")
+    if not program.exists() or not root or not shutil.which("qemu-arm"):
+        return None
+    few, many = (executed(program, root, frames) for frames in ARM_FRAMES)
+    return (many - few) / (ARM_FRAMES[1] - ARM_FRAMES[0])
+
+
+def executed(program, root, frames):
+    """How many instructions qemu executes for so many frames: one line for each, in a block of its own."""
+    command = ["qemu-arm", "-L", root, "-singlestep", "-d", "exec,nochain", str(program), str(frames)]
+    lines = 0
+    with subprocess.Popen(command, stderr=subprocess.PIPE) as process:
+        while block := process.stderr.read(1 << 20):
+            lines += block.count(b"\n")
+    if process.returncode != 0:
+        raise MeasureError(f"{program.name} ended with status {process.returncode} under qemu-arm")
+    return lines
 
 
 def machine():
