@@ -21,6 +21,7 @@ COMPARISONS = {"<", "<=", ">", ">=", "==", "!="}
 FUNCTIONS = {Kind.FUNCTION_DECL, Kind.CXX_METHOD, Kind.CONSTRUCTOR, Kind.DESTRUCTOR, Kind.FUNCTION_TEMPLATE}
 # Their numbers must be known to the compiler, or are none of the program's.
 FIXED = {Kind.ENUM_DECL, Kind.STATIC_ASSERT}
+DECLARATIONS = FUNCTIONS | {Kind.VAR_DECL, Kind.FIELD_DECL, Kind.PARM_DECL}
 LOOPS_AND_BRANCHES = {Kind.IF_STMT, Kind.WHILE_STMT, Kind.FOR_STMT, Kind.CXX_FOR_RANGE_STMT, Kind.CASE_STMT,
                       Kind.DEFAULT_STMT}
 
@@ -110,7 +111,9 @@ class Source:
         if cursor.kind == Kind.CASE_STMT:
             children = children[1:]
         for child in children:
-            self.walk(child, function)
+            # What stands before a declared name is its type, with the numbers in it.
+            if cursor.kind not in DECLARATIONS or child.extent.end.offset > cursor.location.offset:
+                self.walk(child, function)
         if cursor.kind == Kind.VAR_DECL and len(self.mutants) > first:
             self.unfreeze(cursor, function)
         if function is None and cursor.kind in (Kind.VAR_DECL, Kind.FIELD_DECL):

@@ -184,6 +184,7 @@ def measure_all(runner, tests):
 
 def run_all(runner, chosen, table, jobs):
     results, failed, controls = [], [], 0
+    reasons = read_equivalents()
     with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
         waiting = {}
         for index, mutant in enumerate(chosen):
@@ -196,7 +197,7 @@ def run_all(runner, chosen, table, jobs):
                 failed += done.result()
                 continue
             results.append(done.result())
-            if results[-1].outcome == SURVIVED:
+            if results[-1].outcome == SURVIVED and results[-1].mutant.key() not in reasons:
                 tell_mutant(results[-1].mutant)
             if len(results) % 50 == 0:
                 say(f"{len(results)} of {len(chosen)}")
