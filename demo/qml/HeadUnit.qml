@@ -127,7 +127,7 @@ FocusScope {
         StatusBar {
             anchors.left: rail.right
             anchors.right: parent.right
-            height: Theme.px(60)
+            height: Theme.px(64)
             title: loader.item ? loader.item.title : ""
             onNightTapped: unit.night = !unit.night
         }
@@ -139,7 +139,7 @@ FocusScope {
             anchors.left: rail.right
             anchors.right: parent.right
             anchors.bottom: parent.bottom
-            height: parent.height - Theme.px(60)
+            height: parent.height - Theme.px(64)
             source: "pages/" + unit.page.charAt(0).toUpperCase() + unit.page.slice(1) + "Page.qml"
         }
     }
