@@ -46,6 +46,7 @@ qt_folder() {
 
 # build TARGET...
 # The commands' resources are not compressed: this Qt may lack what the system's compresses them by.
+# Neither QML module nor demo: this Qt has no Quick.
 build() {
     cmake -S "$root" -B "$folder" -G Ninja --log-level=WARNING -DCMAKE_BUILD_TYPE=RelWithDebInfo \
         -DCMAKE_CXX_COMPILER=clang++-14 -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCANBUS_SANITIZE=thread \
