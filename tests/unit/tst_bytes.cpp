@@ -21,6 +21,8 @@ private Q_SLOTS:
     void hasNoBitsBesideTheEight_data();
     void hasNoBitsBesideTheEight();
     void listsBitsInTheOrderOfTheArguments();
+    void hasAnArrayForEachByte();
+    void leavesTheArrayOfAByteToOthers();
     void readsFourStatesFromTwoBits_data();
     void readsFourStatesFromTwoBits();
     void readsSevenStatesFromThreeBits_data();
@@ -123,6 +125,27 @@ void TestBytes::listsBitsInTheOrderOfTheArguments()
     QVERIFY((bitsAt(0x9f, 4, 5, 6, 7) == std::array {true, false, false, true}));
     QVERIFY((bitsAt(0x9f, 7, 6, 5) == std::array {true, false, false}));
     QVERIFY((bitsAt(0x01, 0, 8) == std::array {true, false}));
+}
+
+void TestBytes::hasAnArrayForEachByte()
+{
+    QCOMPARE(oneByte(0x00), QByteArray("\x00", 1));
+    QCOMPARE(oneByte(0x21), QByteArray("\x21"));
+    QCOMPARE(oneByte(0x9f), QByteArray("\x9f"));
+    QCOMPARE(oneByte(0xff), QByteArray("\xff"));
+    for (int value = 0; value < 256; ++value) {
+        QCOMPARE(oneByte(quint8(value)).size(), 1);
+        QCOMPARE(int(quint8(oneByte(quint8(value)).at(0))), value);
+    }
+}
+
+void TestBytes::leavesTheArrayOfAByteToOthers()
+{
+    QByteArray changed = oneByte(0x21);
+    changed[0] = 'x';
+    changed.append('y');
+    QCOMPARE(changed, QByteArray("xy"));
+    QCOMPARE(oneByte(0x21), QByteArray("\x21"));
 }
 
 void TestBytes::readsFourStatesFromTwoBits_data()

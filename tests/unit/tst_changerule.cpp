@@ -13,6 +13,7 @@ private Q_SLOTS:
     void leavesWhatIsTheSame();
     void countsTwoItemsAsOne_data();
     void countsTwoItemsAsOne();
+    void announcesAListOfFixedLengthOnlyWhenItChanges();
     void announcesAListOnlyWhenItChanges();
     void announcesAnEmptyListEachTime();
     void announcesAnEmptyTextEachTime();
@@ -56,6 +57,23 @@ void TestChangeRule::countsTwoItemsAsOne()
     QTEST(replaceIfChanged(storedFirst, first, storedSecond, second), "changed");
     QCOMPARE(storedFirst, first);
     QCOMPARE(storedSecond, second);
+}
+
+void TestChangeRule::announcesAListOfFixedLengthOnlyWhenItChanges()
+{
+    QList<int> stored;
+    QVERIFY(replaceIfChanged(stored, std::array {0, 0}));
+    QCOMPARE(stored, (QList<int> {0, 0}));
+    const QList<int> kept = stored;
+    QVERIFY(!replaceIfChanged(stored, std::array {0, 0}));
+    QVERIFY(stored.isSharedWith(kept));
+    QVERIFY(replaceIfChanged(stored, std::array {0, 1}));
+    QCOMPARE(stored, (QList<int> {0, 1}));
+    QCOMPARE(kept, (QList<int> {0, 0}));
+    // Of another length, and the same as far as both go.
+    QVERIFY(replaceIfChanged(stored, std::array {0, 1, 2}));
+    QVERIFY(replaceIfChanged(stored, std::array {0, 1}));
+    QCOMPARE(stored, (QList<int> {0, 1}));
 }
 
 void TestChangeRule::announcesAListOnlyWhenItChanges()
