@@ -144,7 +144,7 @@ run_once() {
     ASAN_OPTIONS="quarantine_size_mb=1:thread_local_quarantine_size_kb=64:malloc_context_size=1:${ASAN_OPTIONS:-}" \
         UBSAN_OPTIONS="print_stacktrace=1:${UBSAN_OPTIONS:-}" \
         "$build/fuzz/fuzz_$target" "$3" "${dictionary[@]}" -max_len="$(longest_input "$target")" \
-        -timeout=10 -rss_limit_mb=2048 -detect_leaks=0 -reload=0 -print_final_stats=1 \
+        -timeout=30 -rss_limit_mb=2048 -detect_leaks=0 -reload=0 -print_final_stats=1 \
         -artifact_prefix="$build/findings/$target-" "$build/corpus/$target" "${seeds[@]}" >"$log" 2>&1 &
     fuzzer=$!
     # It ends by itself then, and says how far it has come.
