@@ -1,20 +1,30 @@
 #include "receivepath.h"
 #include "velcanbusprotocol.h"
 
-#include <memory>
-
 namespace canbus {
 
 namespace {
 
-/// A thread holds the buffer at the end of the process when a slot has called exit() in a parsing pass.
-void destroyUnlessHeld(CanBusReadBuff *buffer)
-{
-    if (!buffer->mutex.tryLock())
-        return;
-    buffer->mutex.unlock();
-    delete buffer;
-}
+/// A thread holds the buffer at the end of the process when a slot has called exit() in a parsing pass. Then
+/// it is left alone, and those that still ask for it get it.
+class Owner {
+public:
+    explicit Owner(CanBusReadBuff *buffer)
+        : m_buffer(buffer)
+    {
+    }
+    ~Owner()
+    {
+        if (!m_buffer->mutex.tryLock())
+            return;
+        m_buffer->mutex.unlock();
+        delete m_buffer;
+    }
+
+private:
+    Q_DISABLE_COPY(Owner)
+    CanBusReadBuff *const m_buffer;
+};
 
 } // namespace
 
@@ -25,9 +35,9 @@ CanBusReadBuff::CanBusReadBuff()
 
 CanBusReadBuff *CanBusReadBuff::instance()
 {
-    static const std::unique_ptr<CanBusReadBuff, void (*)(CanBusReadBuff *)> buffer(new CanBusReadBuff,
-                                                                                    destroyUnlessHeld);
-    return buffer.get();
+    static CanBusReadBuff *const buffer = new CanBusReadBuff;
+    static const Owner owner(buffer);
+    return buffer;
 }
 
 } // namespace canbus
