@@ -14,6 +14,7 @@
 #include <QtCore/QEventLoop>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QMutex>
+#include <QtCore/QThread>
 #include <QtCore/QTimer>
 #include <QtSerialPort/QSerialPort>
 
@@ -28,10 +29,46 @@ constexpr int kPauseMs = 30; // until a command is acknowledged: two ticks and m
 constexpr int kIdleMs = 10000;
 constexpr int kLongestWaitMs = 2000;
 
+/// A bare port on a thread of its own, as the library's is: the way to the line with a thread in between.
+class PostedPort {
+public:
+    PostedPort()
+    {
+        m_port.setPortName(QString::fromStdString(end.name()));
+        m_port.setBaudRate(57600);
+        if (!m_port.open(QIODevice::ReadWrite))
+            giveUp("the posted port does not open");
+        m_port.moveToThread(&m_thread);
+        m_thread.start();
+    }
+
+    ~PostedPort()
+    {
+        m_thread.quit();
+        m_thread.wait();
+    }
+
+    void write(const QByteArray &frame)
+    {
+        const auto writeThere = [this, frame] {
+            m_port.write(frame);
+            m_port.waitForBytesWritten(100);
+        };
+        QMetaObject::invokeMethod(&m_port, writeThere, Qt::QueuedConnection);
+    }
+
+    FarEnd end;
+
+private:
+    QSerialPort m_port;
+    QThread m_thread;
+};
+
 struct Rig {
     FarEnd box;
     FarEnd bareEnd;
     QSerialPort bare;
+    PostedPort posted;
 
     Rig()
     {
@@ -54,13 +91,26 @@ void runEvents(int milliseconds)
     loop.exec();
 }
 
+const QByteArray &bareFrame()
+{
+    static const QByteArray frame = bytes("9f 02 21 93 00 12 00 00 a0 9f 03");
+    return frame;
+}
+
+void writePosted(Samples &heard)
+{
+    rig->posted.end.arm();
+    const Clock::time_point begin = Clock::now();
+    rig->posted.write(bareFrame());
+    heard.add(microsecondsBetween(begin, rig->posted.end.waitForTheFirst()));
+}
+
 /// The bare write of as many bytes, with its wait, on the thread that wants it.
 void writeBarely(Samples &heard, Samples &call)
 {
-    static const QByteArray frame = bytes("9f 02 21 93 00 12 00 00 a0 9f 03");
     rig->bareEnd.arm();
     const Clock::time_point begin = Clock::now();
-    rig->bare.write(frame);
+    rig->bare.write(bareFrame());
     rig->bare.waitForBytesWritten(100);
     call.add(microsecondsBetween(begin, Clock::now()));
     heard.add(microsecondsBetween(begin, rig->bareEnd.waitForTheFirst()));
@@ -69,7 +119,7 @@ void writeBarely(Samples &heard, Samples &call)
 /// A control pressed, and a bare write, in turn: so both have the same neighbours.
 void controlToLine(benchmark::State &state)
 {
-    Samples heard, call, bareHeard, bareCall;
+    Samples heard, call, bareHeard, bareCall, postedHeard;
     for (auto _ : state) {
         runEvents(kPauseMs);
         rig->box.arm();
@@ -79,11 +129,14 @@ void controlToLine(benchmark::State &state)
         heard.add(state, microsecondsBetween(begin, rig->box.waitForTheFirst()));
         runEvents(1);
         writeBarely(bareHeard, bareCall);
+        runEvents(1);
+        writePosted(postedHeard);
     }
     heard.report(state);
     call.report(state, "call_");
     bareHeard.report(state, "bare_");
     bareCall.report(state, "bare_call_");
+    postedHeard.report(state, "posted_");
 }
 
 QByteArray climateReport(int number)
@@ -144,7 +197,8 @@ void idle(benchmark::State &state)
     });
     runEvents(100);
     for (auto _ : state) {
-        const std::set<int> others {bareThread, rig->box.thread(), rig->bareEnd.thread()};
+        const std::set<int> others {bareThread, rig->box.thread(), rig->bareEnd.thread(),
+                                    rig->posted.end.thread()};
         const Clock::time_point begin = Clock::now();
         const long before = wakeUps(others);
         const long bareBefore = wakeUpsOf(bareThread);
