@@ -174,7 +174,7 @@ void SerialPort::deliver(const QByteArray &data)
     Q_EMIT buffer->received(data);
     {
         const Locker lock(&buffer->mutex);
-        buffer->data += data;
+        buffer->data.append(data.constData(), data.size()); // shares nothing with what is told below
     }
     Q_EMIT read(data);
 }
