@@ -35,8 +35,12 @@ CanBusReadBuff::CanBusReadBuff()
 
 CanBusReadBuff *CanBusReadBuff::instance()
 {
-    static CanBusReadBuff *const buffer = new CanBusReadBuff;
-    static const Owner owner(buffer);
+    // One test for each call: the parser thread asks on every tick.
+    static CanBusReadBuff *const buffer = [] {
+        auto *const made = new CanBusReadBuff;
+        static const Owner owner(made);
+        return made;
+    }();
     return buffer;
 }
 
