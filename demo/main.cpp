@@ -115,7 +115,8 @@ int run(const Options &options)
         return fail(kFailure, error);
     if (!takesPictures)
         return showUnit(&unit, options);
-    return takeScreenshots(&unit, options, &error) ? kSuccess : fail(kFailure, error);
+    const bool isGood = takeScreenshots(&unit, options, &error) || error.isEmpty();
+    return isGood ? kSuccess : fail(kFailure, error);
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #include <QtGui/QImage>
 #include <QtTest>
 
+#include <pseudoterminal.h>
+
 #include <algorithm>
 #include <csignal>
 
@@ -159,8 +161,17 @@ private Q_SLOTS:
         QVERIFY2(ended.isOneLine() && ended.errors.contains("QML module CanBus"), ended.errors.constData());
     }
 
+    void itEndsWhenItIsTold_data()
+    {
+        QTest::addColumn<int>("signal");
+        QTest::newRow("Ctrl-C") << SIGINT;
+        QTest::newRow("a plain kill") << SIGTERM;
+        QTest::newRow("a terminal that is closed") << SIGHUP;
+    }
+
     void itEndsWhenItIsTold()
     {
+        QFETCH(int, signal);
         QProcess process;
         start(&process, program(), {"--simulate"},
               {"QT_QPA_PLATFORM=offscreen", "QT_QUICK_BACKEND=software"});
@@ -169,8 +180,23 @@ private Q_SLOTS:
         const QString tasks = QStringLiteral("/proc/%1/task").arg(process.processId());
         QTRY_VERIFY_WITH_TIMEOUT(QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() > 2,
                                  kLongMs);
-        ::kill(pid_t(process.processId()), SIGTERM);
+        ::kill(pid_t(process.processId()), signal);
         QVERIFY(process.waitForFinished(kLongMs));
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 0);
+        QCOMPARE(process.readAllStandardError(), QByteArray());
+    }
+
+    void picturesOfABoxThatIsSilentEndWhenTheyAreTold()
+    {
+        PseudoTerminal line;
+        const QTemporaryDir folder;
+        QProcess process;
+        start(&process, program(), {"--port", line.name(), "--screenshot", folder.filePath("pictures")});
+        // It is waiting for the box once it has asked for the connection.
+        QTRY_VERIFY_WITH_TIMEOUT(!line.received().isEmpty(), kLongMs);
+        ::kill(pid_t(process.processId()), SIGINT);
+        QVERIFY(process.waitForFinished(10000)); // by itself it waits for 30 s
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 0);
         QCOMPARE(process.readAllStandardError(), QByteArray());
