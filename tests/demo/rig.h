@@ -20,23 +20,31 @@ public:
     /// @return whether the link is up and everything has arrived
     bool start()
     {
-        QLoggingCategory::setFilterRules(QStringLiteral("default.critical=false\ndefault.debug=false"));
         canbus::headunit::Options options;
         options.simulates = true;
         options.parks = true;
+        if (!begin(options))
+            return false;
+        connect(unit->box(), &canbus::headunit::SimulatedBox::reported, this,
+                [this](const QByteArray &json) { reports.append(QJsonDocument::fromJson(json).object()); });
+        return QTest::qWaitFor([this] { return screen()->property("filled").toBool(); }, kLongMs);
+    }
+
+    /// Shows the head unit. @return whether it could begin
+    bool begin(const canbus::headunit::Options &options)
+    {
+        QLoggingCategory::setFilterRules(QStringLiteral("default.critical=false\ndefault.debug=false"));
         unit = std::make_unique<canbus::headunit::Unit>(options);
         QString error;
         if (!unit->start(&error)) {
             qCritical() << error;
             return false;
         }
-        connect(unit->box(), &canbus::headunit::SimulatedBox::reported, this,
-                [this](const QByteArray &json) { reports.append(QJsonDocument::fromJson(json).object()); });
         window.resize(1024, 600);
         unit->showIn(&window);
         window.show();
         window.requestActivate();
-        return QTest::qWaitFor([this] { return screen()->property("filled").toBool(); }, kLongMs);
+        return isDrawn();
     }
 
     ~Rig() override
@@ -104,9 +112,15 @@ public:
         if (this->page() == page)
             return true;
         click(page + QStringLiteral("Tab"));
+        return isDrawn() && this->page() == page;
+    }
+
+    /// Draws the window. @return whether that came about
+    bool isDrawn()
+    {
         QSignalSpy frames(&window, &QQuickWindow::frameSwapped);
         window.update();
-        return frames.wait(kLongMs) && this->page() == page;
+        return frames.wait(kLongMs);
     }
 
     /// How often the box has got the command, with at least these arguments; retransmissions do not count.

@@ -1,5 +1,10 @@
 #include "rig.h"
 
+#include <QtCore/QMetaProperty>
+#include <QtQml/QJSValue>
+
+#include <linkhealth.h>
+
 // Which page is shown, and what it shows of the link.
 
 class HeadUnitPages : public QObject {
@@ -120,6 +125,45 @@ private Q_SLOTS:
         QCOMPARE(colour().lightness(), day);
     }
 
+    void reverseHasAKey()
+    {
+        QVERIFY(m_rig.open(QStringLiteral("vehicle")));
+        QTest::keyClick(&m_rig.window, Qt::Key_R);
+        QVERIFY(m_rig.find("reverseSign")->isVisible());
+        QCOMPARE(m_rig.page(), QStringLiteral("parking"));
+        QTest::keyClick(&m_rig.window, Qt::Key_R);
+        QVERIFY(!m_rig.find("reverseSign")->isVisible());
+        QCOMPARE(m_rig.page(), QStringLiteral("vehicle"));
+    }
+
+    void aSensorThatIsOffMarksNothingAsNear()
+    {
+        QVERIFY(m_rig.open(QStringLiteral("parking")));
+        const QQuickItem *const rear = m_rig.find("side1");
+        QCOMPARE(rear->property("text").toString(), QStringLiteral("45"));
+        QVERIFY(!rear->property("isNear").toBool());
+        m_rig.send(QStringLiteral("parking.sensor.2=true"));
+        QTRY_VERIFY_WITH_TIMEOUT(rear->property("isNear").toBool(), Rig::kLongMs);
+        m_rig.send(QStringLiteral("parking.sensor.2=false"));
+        QTRY_VERIFY_WITH_TIMEOUT(!rear->property("isNear").toBool(), Rig::kLongMs);
+    }
+
+    void theLinkPageShowsEveryFigure()
+    {
+        QVERIFY(m_rig.open(QStringLiteral("link")));
+        QStringList shown;
+        const QVariantList rows = m_rig.pageItem()->property("rows").value<QJSValue>().toVariant().toList();
+        for (const QVariant &row : rows)
+            shown += row.toList().value(1).toString();
+        const QMetaObject &figures = canbus::LinkFigures::staticMetaObject;
+        for (int index = 0; index < figures.propertyCount(); ++index) {
+            const QMetaProperty figure = figures.property(index);
+            if (figure.type() != QVariant::Map)
+                QVERIFY2(shown.removeOne(QString::fromLatin1(figure.name())), figure.name());
+        }
+        QCOMPARE(shown, QStringList());
+    }
+
     void theLinkPageShowsFiguresAndFrames()
     {
         QVERIFY(m_rig.open(QStringLiteral("link")));
@@ -157,6 +201,8 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(isNotLive(), Rig::kLongMs);
         QCOMPARE(m_rig.find("linkText")->property("text").toString(), QStringLiteral("No link"));
         QVERIFY(!m_rig.find(control)->isEnabled());
+        if (const auto *const side = m_rig.find("side1"))
+            QCOMPARE(side->property("text").toString(), QStringLiteral("--"));
         m_rig.send(QStringLiteral("fault.silence=false"));
         QTRY_VERIFY_WITH_TIMEOUT(!isNotLive(), Rig::kLongMs);
         QCOMPARE(m_rig.find("linkText")->property("text").toString(), QStringLiteral("Connected"));

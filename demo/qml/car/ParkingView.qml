@@ -1,7 +1,8 @@
 import QtQuick 2.15
 import "../style"
 
-// The car with sixteen zones around it. Zones run from left to right, and from front to rear.
+// The car with sixteen zones around it. Zones run from left to right, and from front to rear. Those of a side whose
+// sensor is off are pale.
 Item {
     id: view
 
@@ -9,6 +10,7 @@ Item {
     property var rear: []
     property var leftSide: []
     property var rightSide: []
+    property var sensors: [] // of front, rear, left and right
     readonly property real carScale: 0.62 * Theme.unit
     readonly property real carWidth: 130 * carScale
     readonly property real carHeight: 400 * carScale
@@ -17,6 +19,10 @@ Item {
     readonly property real inner: Theme.px(122)
     readonly property real spread: 25 // degrees for each zone
     readonly property real zoneHeight: (carHeight - Theme.px(76)) / 4
+
+    function opacityOf(side) {
+        return sensors[side] === true ? 1 : 0.4
+    }
 
     function valueOf(list, index) {
         return list[index] === undefined ? 255 : list[index]
@@ -34,6 +40,7 @@ Item {
             x: view.width / 2
             y: view.height / 2 - view.carHeight / 2 + Theme.px(104)
             value: view.valueOf(view.front, index)
+            opacity: view.opacityOf(0)
             inner: view.inner
             pitch: view.pitch
             from: -90 + (index - 2) * view.spread + 1
@@ -48,6 +55,7 @@ Item {
             x: view.width / 2
             y: view.height / 2 + view.carHeight / 2 - Theme.px(104)
             value: view.valueOf(view.rear, index)
+            opacity: view.opacityOf(1)
             inner: view.inner
             pitch: view.pitch
             from: 90 + (2 - index) * view.spread - 1
@@ -67,6 +75,7 @@ Item {
             height: view.zoneHeight - Theme.px(4)
             pitch: view.sidePitch
             value: view.valueOf(isLeft ? view.leftSide : view.rightSide, zone)
+            opacity: view.opacityOf(isLeft ? 2 : 3)
         }
     }
 }

@@ -8,6 +8,7 @@ Item {
     property bool valid: true
     property bool stale: false
     property bool dimsContent: true
+    property bool keepsValues: true // without a link the last values are shown
     readonly property bool live: valid && !stale
     default property alias content: body.data
     property string title
@@ -47,8 +48,8 @@ Item {
 
             Label {
                 anchors.verticalCenter: parent.verticalCenter
-                text: page.valid ? "No link: these are the last values" : page.stale ? "Waiting for the box"
-                                                                                     : "Nothing received yet"
+                text: page.valid ? page.keepsValues ? "No link: these are the last values" : "No link"
+                                 : page.stale ? "Waiting for the box" : "Nothing received yet"
                 font.pixelSize: Theme.bodyText + Theme.px(2)
                 font.weight: Font.DemiBold
             }

@@ -3,8 +3,9 @@ import "../style"
 
 // A line for something that is open or closed.
 StatusLine {
+    property bool known: true
     property bool open: false
 
-    text: open ? "Open" : "Closed"
-    color: open ? Theme.alarm : Theme.good
+    text: !known ? "--" : open ? "Open" : "Closed"
+    color: !known ? Theme.textFaint : open ? Theme.alarm : Theme.good
 }

@@ -7,13 +7,19 @@ import "../style"
 Page {
     id: page
 
+    // An old distance is worse than none.
+    function known(zones) {
+        return page.live ? zones : []
+    }
+
     function nearest(zones) {
-        return zones.length === 0 ? 255 : Math.min.apply(null, zones)
+        return zones.length === 0 ? -1 : Math.min.apply(null, zones)
     }
 
     title: ParkingState.title || "Parking"
     valid: ParkingState.valid
     stale: ParkingState.stale
+    keepsValues: false
 
     Card {
         id: stage
@@ -27,10 +33,11 @@ Page {
 
         ParkingView {
             anchors.fill: parent
-            front: ParkingState.front
-            rear: ParkingState.rear
-            leftSide: ParkingState.left
-            rightSide: ParkingState.right
+            front: page.known(ParkingState.front)
+            rear: page.known(ParkingState.rear)
+            leftSide: page.known(ParkingState.left)
+            rightSide: page.known(ParkingState.right)
+            sensors: ParkingState.sensors
         }
     }
 
@@ -38,10 +45,10 @@ Page {
         id: list
 
         readonly property var sides: [
-            { "title": "Front", "zones": ParkingState.front },
-            { "title": "Rear", "zones": ParkingState.rear },
-            { "title": "Left", "zones": ParkingState.left },
-            { "title": "Right", "zones": ParkingState.right }
+            { "title": "Front", "zones": page.known(ParkingState.front) },
+            { "title": "Rear", "zones": page.known(ParkingState.rear) },
+            { "title": "Left", "zones": page.known(ParkingState.left) },
+            { "title": "Right", "zones": page.known(ParkingState.right) }
         ]
 
         anchors.right: parent.right
@@ -53,6 +60,7 @@ Page {
             model: 4
 
             SideCard {
+                objectName: "side" + index
                 width: list.width
                 height: (stage.height - 3 * Theme.gap) / 4
                 title: list.sides[index].title

@@ -3,15 +3,18 @@ import "../car"
 import "../controls"
 import "../style"
 
-// One side of the car: what is nearest there, and whether its sensor measures.
+// One side of the car: what is nearest there, -1 where nothing is known, and whether its sensor measures. What it
+// measured before it was switched off has no colour.
 Card {
     id: card
 
     property string title
-    property int value: 255
+    property int value: -1
     property bool measures: false
     readonly property int band: Distance.band(value)
-    readonly property bool isClear: band === Distance.bands
+    readonly property bool isNear: measures && value >= 0 && band < Distance.bands
+    readonly property string text: value < 0 ? "--" : band === Distance.bands ? "Clear" : value
+    readonly property color color: isNear ? Distance.color(band) : Theme.textDim
 
     Rectangle {
         anchors.left: parent.left
@@ -20,7 +23,7 @@ Card {
         width: Theme.px(10)
         height: parent.height - Theme.px(32)
         radius: Theme.px(5)
-        color: card.isClear ? Theme.line : Distance.color(card.band)
+        color: card.isNear ? card.color : Theme.line
     }
 
     Column {
@@ -45,9 +48,9 @@ Card {
         anchors.right: parent.right
         anchors.rightMargin: Theme.px(20)
         anchors.verticalCenter: parent.verticalCenter
-        text: card.isClear ? "Clear" : card.value
-        font.pixelSize: card.isClear ? Theme.bodyText : Theme.largeText
-        font.weight: card.isClear ? Font.Normal : Font.DemiBold
-        color: card.isClear ? Theme.textDim : Distance.color(card.band)
+        text: card.text
+        font.pixelSize: card.isNear ? Theme.largeText : Theme.bodyText
+        font.weight: card.isNear ? Font.DemiBold : Font.Normal
+        color: card.color
     }
 }

@@ -8,6 +8,8 @@ Page {
     id: page
 
     readonly property var places: ["Front left", "Front right", "Rear left", "Rear right"]
+    // Texts may have arrived, and nothing of the car's state yet.
+    readonly property bool known: VehicleState.doors.length > 0
 
     title: VehicleState.title || "Vehicle"
     valid: VehicleState.valid
@@ -60,19 +62,23 @@ Page {
             spacing: Theme.px(3)
 
             StatusLine {
+                objectName: "engineLine"
                 width: parent.width
                 title: "Engine"
                 icon: Icons.engine
-                text: ["OK", "Check", "Service", "State 3"][VehicleState.checkEngine]
-                color: VehicleState.checkEngine === 0 ? Theme.good : Theme.lamp(VehicleState.checkEngine + 1)
+                text: page.known ? ["OK", "Check", "Service", "State 3"][VehicleState.checkEngine] : "--"
+                color: !page.known ? Theme.textFaint
+                                   : VehicleState.checkEngine === 0 ? Theme.good
+                                                                    : Theme.lamp(VehicleState.checkEngine + 1)
             }
 
             StatusLine {
+                objectName: "batteryLine"
                 width: parent.width
                 title: "Battery"
                 icon: Icons.battery
-                text: VehicleState.battery ? "Check" : "OK"
-                color: VehicleState.battery ? Theme.alarm : Theme.good
+                text: !page.known ? "--" : VehicleState.battery ? "Check" : "OK"
+                color: !page.known ? Theme.textFaint : VehicleState.battery ? Theme.alarm : Theme.good
             }
 
             Rectangle {
@@ -85,21 +91,27 @@ Page {
                 model: page.places
 
                 OpenLine {
+                    objectName: "doorLine" + index
                     width: parent.width
                     title: modelData + " door"
+                    known: page.known
                     open: VehicleState.doors[index] === true
                 }
             }
 
             OpenLine {
+                objectName: "hoodLine"
                 width: parent.width
                 title: "Hood"
+                known: page.known
                 open: VehicleState.hood
             }
 
             OpenLine {
+                objectName: "trunkLine"
                 width: parent.width
                 title: "Trunk"
+                known: page.known
                 open: VehicleState.trunk
             }
         }
