@@ -33,9 +33,12 @@ Item {
         pause.restart()
     }
 
+    // Steps that come faster than they are sent add up.
     function nudge(by) {
-        sent = -1
-        choose(Math.max(0, value) + by)
+        const from = pause.running ? drag.at : Math.max(0, value)
+        if (!pause.running)
+            sent = -1
+        choose(from + by)
     }
 
     implicitHeight: Theme.touch
@@ -50,7 +53,7 @@ Item {
         id: pause
 
         interval: 200
-        onTriggered: if (drag.pressed) bar.send()
+        onTriggered: bar.send()
     }
 
     Label {
@@ -66,7 +69,7 @@ Item {
         anchors.right: parent.right
         anchors.top: parent.top
         height: Theme.px(24)
-        text: bar.shown < 0 ? "--" : bar.shown
+        text: bar.shown < 0 ? "--" : bar.maximum < 10 ? bar.shown + " of " + bar.maximum : bar.shown
         font.pixelSize: Theme.bodyText
         font.weight: Font.DemiBold
     }

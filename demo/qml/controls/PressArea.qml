@@ -3,13 +3,14 @@ import "../style"
 
 // What can be pressed, by finger or with Enter: the base of all controls.
 //
-// `began` and `ended` come in pairs, whatever ends the touch; `tapped` comes with a touch that ends where it
-// began.
+// `began` and `ended` come in pairs, whatever ends the touch, the page's going among it; `tapped` comes with a touch
+// that ends where it began.
 Item {
     id: area
 
     property bool down: mouse.pressed || keyIsDown
     property bool keyIsDown: false
+    property bool isHeld: false // has begun and not ended
     property int radius: Theme.radius
     property int ringMargin: -Theme.px(4) // of the frame that shows the focus
     readonly property bool takesFocus: enabled && visible
@@ -18,11 +19,25 @@ Item {
     signal ended
     signal tapped
 
+    function begin() {
+        if (isHeld)
+            return
+        isHeld = true
+        began()
+    }
+
+    function end() {
+        if (!isHeld)
+            return
+        isHeld = false
+        ended()
+    }
+
     function releaseKey() {
         if (!keyIsDown)
             return
         keyIsDown = false
-        ended()
+        end()
     }
 
     implicitWidth: Theme.touch
@@ -30,6 +45,8 @@ Item {
     activeFocusOnTab: true
     onActiveFocusChanged: if (!activeFocus) releaseKey()
     onEnabledChanged: if (!enabled) releaseKey()
+    // A page that goes under a finger hears no more of it.
+    Component.onDestruction: end()
 
     Keys.onPressed: {
         const isPress = [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) >= 0
@@ -37,7 +54,7 @@ Item {
         if (!isPress || event.isAutoRepeat)
             return
         keyIsDown = true
-        began()
+        begin()
     }
     Keys.onReleased: {
         const isPress = [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) >= 0
@@ -54,14 +71,14 @@ Item {
         anchors.fill: parent
         onPressed: {
             area.forceActiveFocus(Qt.MouseFocusReason)
-            area.began()
+            area.begin()
         }
         onReleased: {
-            area.ended()
+            area.end()
             if (containsMouse)
                 area.tapped()
         }
-        onCanceled: area.ended()
+        onCanceled: area.end()
     }
 
     Rectangle {

@@ -25,7 +25,7 @@ Card {
                 height: parent.height
                 icon: Icons.power
                 text: ClimateState.systemOn ? "On" : "Off"
-                lamp: ClimateState.systemOn ? 1 : 0
+                lamp: card.lamp(0)
                 onTapped: Climate.onOff()
             }
 

@@ -34,6 +34,7 @@ Page {
             cool: ClimateState.leftCooledSeat
             plusLamp: page.lamp(12)
             minusLamp: page.lamp(13)
+            seatLamp: page.lamp(19)
             on: ClimateState.systemOn
             onPlus: Climate.autoMainZoneTempPlus(isPress)
             onMinus: Climate.autoMainZoneTempMinus(isPress)
@@ -67,6 +68,7 @@ Page {
             cool: ClimateState.rightCooledSeat
             plusLamp: page.lamp(14)
             minusLamp: page.lamp(15)
+            seatLamp: page.lamp(19)
             on: ClimateState.systemOn
             onPlus: Climate.autoSecondZoneTempPlus(isPress)
             onMinus: Climate.autoSecondZoneTempMinus(isPress)

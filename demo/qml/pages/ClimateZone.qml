@@ -13,6 +13,7 @@ Card {
     property int cool: 0
     property int plusLamp: 0
     property int minusLamp: 0
+    property int seatLamp: 0
     property bool on: true
 
     signal plus(bool isPress)
@@ -119,5 +120,16 @@ Card {
             color: Theme.cool
             onTapped: zone.coolTapped()
         }
+    }
+
+    Rectangle {
+        readonly property int lamp: zone.seatLamp
+
+        objectName: "seatLamp"
+        anchors.centerIn: seat
+        width: Theme.px(4)
+        height: Theme.px(40)
+        radius: Theme.px(2)
+        color: Theme.lamp(lamp)
     }
 }
