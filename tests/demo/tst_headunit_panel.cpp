@@ -99,6 +99,8 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("highest");
         QTest::newRow("speed") << QByteArray("GaugesState") << QByteArray("valueTexts")
                                << QVariant("200 km/h");
+        QTest::newRow("coolant") << QByteArray("GaugesState") << QByteArray("valueTexts")
+                                 << QVariant("150 °C");
         QTest::newRow("distance") << QByteArray("ParkingState") << QByteArray("rear") << QVariant(255);
     }
 
@@ -108,7 +110,47 @@ private Q_SLOTS:
         QFETCH(QByteArray, property);
         QFETCH(QVariant, highest);
         QTest::mouseClick(&m_window, Qt::LeftButton, {}, Rig::pointOf(item(QTest::currentDataTag()), 0.99));
-        QTRY_COMPARE_WITH_TIMEOUT(entryOf(state.constData(), property.constData(), 0), highest, Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(stateOf(state.constData(), property.constData()).toList().contains(highest),
+                                 Rig::kLongMs);
+    }
+
+    void theEngineSpeedLightsTheShiftLight()
+    {
+        QTest::mouseClick(&m_window, Qt::LeftButton, {},
+                          Rig::pointOf(item(QStringLiteral("engineSpeed")), 0.99));
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("GaugesState", "shift").toBool(), true, Rig::kLongMs);
+    }
+
+    void noiseIsOnTheLine()
+    {
+        const auto skipped = [this] {
+            return stateOf("LinkState", "figures").toMap().value(QStringLiteral("skippedBytes")).toInt();
+        };
+        const int before = skipped();
+        click(QStringLiteral("noise"));
+        QTRY_VERIFY_WITH_TIMEOUT(skipped() > before, Rig::kLongMs);
+        click(QStringLiteral("noise"));
+    }
+
+    void answersGetLost()
+    {
+        const auto repeated = [this] {
+            return std::count_if(m_rig.reports.begin(), m_rig.reports.end(), [](const QJsonObject &report) {
+                return report["name"] == "climate.acBtn" && report["repeated"].toBool();
+            });
+        };
+        QVERIFY(m_rig.open(QStringLiteral("climate")));
+        click(QStringLiteral("answers"));
+        for (int i = 0; i < 20 && repeated() == 0; ++i) {
+            const int before = m_rig.count("climate.acBtn");
+            m_rig.click(QStringLiteral("acBtn"));
+            QTRY_VERIFY_WITH_TIMEOUT(m_rig.count("climate.acBtn") > before, Rig::kLongMs);
+            // A repetition comes 300 ms after what it repeats.
+            static_cast<void>(QTest::qWaitFor([&] { return repeated() > 0; }, 500));
+        }
+        QVERIFY(repeated() > 0);
+        click(QStringLiteral("answers"));
+        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), Rig::kLongMs);
     }
 
     void theTemperatureReachesTheHeadUnit()
