@@ -6,6 +6,7 @@
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QMap>
 #include <QtCore/QRegularExpression>
+#include <QtGui/QGuiApplication>
 #include <QtQml/QQmlError>
 
 #include <cstdlib>
@@ -23,13 +24,14 @@ bool isAboutThePlatform(const QMessageLogContext &context)
 
 void takeMessage(QtMsgType level, const QMessageLogContext &context, const QString &message)
 {
+    const bool isStarting = !QGuiApplication::primaryScreen();
     if (level == QtFatalMsg) {
-        const bool isStarting = message.contains(QLatin1String("platform plugin"));
         complain(isStarting ? noDisplayText() : message);
         ::_exit(kFailure);
     }
     const bool isAboutTheSession = message.startsWith(QLatin1String("QStandardPaths"));
-    if (level == QtDebugMsg || level == QtInfoMsg || isAboutThePlatform(context) || isAboutTheSession)
+    const bool isForNobody = level == QtDebugMsg || level == QtInfoMsg || isStarting;
+    if (isForNobody || isAboutThePlatform(context) || isAboutTheSession)
         return;
     complain(message);
 }

@@ -126,6 +126,8 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("environment");
         QTest::newRow("none") << QStringList();
         QTest::newRow("one that is not there") << QStringList {"DISPLAY=:7654"};
+        QTest::newRow("a framebuffer that is not there")
+            << QStringList {"QT_QPA_PLATFORM=linuxfb:fb=/dev/nothing"};
         QTest::newRow("a platform that nobody knows") << QStringList {"QT_QPA_PLATFORM=nowhere"};
     }
 
