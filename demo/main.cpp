@@ -5,6 +5,7 @@
 
 #include <QtCore/QSocketNotifier>
 #include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickView>
 
@@ -80,6 +81,16 @@ void openWindow(QQuickWindow *window, const QString &title, const QSize &size)
     });
 }
 
+/// Where the panel stands: beside the head unit, as far as the screen has room.
+QPoint besideOf(const QQuickWindow &window, const QSize &panel)
+{
+    const QRect room = window.screen()->availableGeometry();
+    const QPoint beside = window.geometry().topRight() + QPoint(24, 0);
+    const auto within = [](int wanted, int least, int most) { return qMax(least, qMin(wanted, most)); };
+    return {within(beside.x(), room.left(), room.right() + 1 - panel.width()),
+            within(beside.y(), room.top(), room.bottom() + 1 - panel.height())};
+}
+
 int showUnit(Unit *unit, const Options &options)
 {
     QQuickWindow window;
@@ -96,7 +107,7 @@ int showUnit(Unit *unit, const Options &options)
             return fail(kFailure, error);
         fit(&panelWindow, item);
         openWindow(&panelWindow, QStringLiteral("The simulated car"), item->size().toSize());
-        panelWindow.setPosition(window.geometry().topRight() + QPoint(24, 0));
+        panelWindow.setPosition(besideOf(window, item->size().toSize()));
     }
     const int status = QCoreApplication::exec();
     unit->screen()->setParentItem(nullptr);

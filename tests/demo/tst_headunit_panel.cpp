@@ -155,6 +155,7 @@ private Q_SLOTS:
 
     void theTemperatureReachesTheHeadUnit()
     {
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("ClimateState", "mainTemp").toInt(), 215, Rig::kLongMs);
         QTest::mouseClick(&m_window, Qt::LeftButton, {}, Rig::pointOf(item(QStringLiteral("cabin")), 0.01));
         QTRY_COMPARE_WITH_TIMEOUT(stateOf("ClimateState", "mainTemp").toInt(), 160, Rig::kLongMs);
     }

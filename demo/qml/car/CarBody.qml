@@ -11,6 +11,9 @@ Item {
     readonly property color outline: Theme.night ? "#8394a6" : "#6b7784"
     readonly property color paint: Theme.night ? "#26313d" : "#ffffff"
     readonly property color glass: Theme.night ? "#0c1219" : "#aebbc9"
+    // Lamps of the car itself, in no colour that warns.
+    readonly property color headLight: Theme.night ? "#c3ced9" : "#e8edf2"
+    readonly property color tailLight: Theme.night ? "#7a4243" : "#c08d8b"
     readonly property color openFill: Theme.tinted(Theme.alarm, 0.35)
 
     width: 200
@@ -64,14 +67,15 @@ Item {
         }
 
         Outline {
-            fillColor: Theme.caution
-            strokeColor: "transparent"
+            fillColor: car.headLight
+            strokeColor: car.outline
+            strokeWidth: 1
             path: "M45 52 C50 38 58 29 68 24 L66 34 C58 40 52 48 49 58 Z M155 52 C150 38 142 29 132 24 L134 34 "
                   + "C142 40 148 48 151 58 Z"
         }
 
         Outline {
-            fillColor: Theme.alarm
+            fillColor: car.tailLight
             strokeColor: "transparent"
             path: "M40 378 C44 392 52 400 64 403 L64 396 C55 393 49 387 46 376 Z M160 378 C156 392 148 400 136 403 "
                   + "L136 396 C145 393 151 387 154 376 Z"

@@ -12,12 +12,22 @@ Item {
     property color color: Theme.accent
     property int maximum: 255
     property int step: 5
+    property int offset: 0 // added to what is read, not to what is chosen
+    property int decimals: 0
     readonly property bool takesFocus: enabled && visible
     readonly property bool down: drag.pressed
     readonly property int shown: drag.pressed ? drag.at : value
     property int sent: -1
 
     signal chosen(int value)
+
+    function textOf(value) {
+        if (value < 0)
+            return "--"
+        if (maximum < 10)
+            return value + " of " + maximum
+        return ((offset + value) / Math.pow(10, decimals)).toFixed(decimals)
+    }
 
     function choose(wanted) {
         drag.at = Math.max(0, Math.min(maximum, Math.round(wanted)))
@@ -69,7 +79,7 @@ Item {
         anchors.right: parent.right
         anchors.top: parent.top
         height: Theme.px(24)
-        text: bar.shown < 0 ? "--" : bar.maximum < 10 ? bar.shown + " of " + bar.maximum : bar.shown
+        text: bar.textOf(bar.shown)
         font.pixelSize: Theme.bodyText
         font.weight: Font.DemiBold
     }

@@ -114,10 +114,11 @@ Rectangle {
             PanelValue {
                 objectName: "cabin"
                 width: driveSection.cell
-                text: "Cabin, above 16.0 °C"
+                text: "Cabin, °C"
+                offset: 160
+                decimals: 1
                 maximum: 140
                 value: 55
-                minimum: 160
                 fields: ["climate.mainTemp"]
             }
         }

@@ -7,10 +7,9 @@ DragBar {
     id: slider
 
     property var fields: []
-    property int minimum: 0
 
     function tell(position) {
-        Box.send(fields.map(field => field + "=" + (minimum + position)).join(" "))
+        Box.send(fields.map(field => field + "=" + (offset + position)).join(" "))
     }
 
     onChosen: {
