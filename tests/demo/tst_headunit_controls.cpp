@@ -30,6 +30,26 @@ private:
 private Q_SLOTS:
     void initTestCase() { QVERIFY(m_rig.start()); }
 
+    // The first of all: once a key was used, the focus is shown.
+    void theFocusIsShownToThoseWhoUseKeys()
+    {
+        m_rig.click(QStringLiteral("climateTab"));
+        QVERIFY(!m_rig.find("climateTab/focusRing")->isVisible());
+        QTest::keyClick(&m_rig.window, Qt::Key_Tab);
+        QCOMPARE(m_rig.window.activeFocusItem(), m_rig.find("gaugesTab"));
+        QVERIFY(m_rig.find("gaugesTab/focusRing")->isVisible());
+    }
+
+    void keysWorkWhenTheFocusHasGoneWithItsPage()
+    {
+        QVERIFY(m_rig.open(QStringLiteral("climate")));
+        m_rig.find("acBtn")->forceActiveFocus();
+        QTest::keyClick(&m_rig.window, Qt::Key_2);
+        QCOMPARE(m_rig.page(), QStringLiteral("gauges"));
+        QTest::keyClick(&m_rig.window, Qt::Key_3);
+        QCOMPARE(m_rig.page(), QStringLiteral("vehicle"));
+    }
+
     void heldButtonsTellPressAndRelease_data()
     {
         QTest::addColumn<QString>("page");

@@ -54,6 +54,7 @@ Item {
     implicitHeight: Theme.touch
     activeFocusOnTab: true
     Keys.onPressed: {
+        Theme.showsFocus = true
         event.accepted = event.key === Qt.Key_Plus || event.key === Qt.Key_Minus
         if (event.accepted)
             nudge(event.key === Qt.Key_Plus ? step : -step)

@@ -49,6 +49,7 @@ Item {
     Component.onDestruction: end()
 
     Keys.onPressed: {
+        Theme.showsFocus = true // Tab goes no further than here
         const isPress = [Qt.Key_Return, Qt.Key_Enter, Qt.Key_Space].indexOf(event.key) >= 0
         event.accepted = isPress
         if (!isPress || event.isAutoRepeat)
@@ -85,6 +86,7 @@ Item {
         anchors.fill: parent
         anchors.margins: area.ringMargin
         z: 10
+        objectName: "focusRing"
         visible: area.activeFocus && Theme.showsFocus
         radius: Math.max(Theme.px(6), area.radius - area.ringMargin)
         color: "transparent"
