@@ -67,7 +67,7 @@ void add(QThread *thread, std::function<void()> requestEnd, Order order)
 {
     // Qt makes what a line is logged with on first use, and destroys it like any other static object.
     QLoggingCategory::defaultCategory();
-    qFormatLogMessage(QtDebugMsg, QMessageLogContext(), QString());
+    static_cast<void>(qFormatLogMessage(QtDebugMsg, QMessageLogContext(), QString()));
     {
         QMutexLocker lock(&registry().mutex);
         registry().entries.push_back({thread, std::move(requestEnd), order});
