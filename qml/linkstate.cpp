@@ -31,16 +31,21 @@ QVariantMap mapOf(const LinkFigures &figures)
 
 LinkState::LinkState(QObject *parent)
     : State(parent)
-    , m_isConnected(CanBusPlayer::instance()->getCanbusConnectStatus())
     , m_frames(this)
 {
     m_refreshTimer.setInterval(kRefreshMs);
     connect(&m_refreshTimer, &QTimer::timeout, this, &LinkState::refresh);
-    connect(CanBusPlayer::instance(), &CanBusPlayer::canbusConnectStatus, this,
-            [this](bool isUp) { announce(this, store(m_isConnected, isUp, &LinkState::connectedChanged)); });
-    if (m_isConnected)
+    connect(this, &State::staleChanged, this, &LinkState::takeConnection);
+    if (isConnected())
         setValid();
     compareFigures();
+}
+
+void LinkState::takeConnection()
+{
+    if (isConnected())
+        setValid();
+    Q_EMIT connectedChanged();
 }
 
 QVariantMap LinkState::figures() const

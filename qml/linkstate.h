@@ -34,7 +34,7 @@ public:
 
     explicit LinkState(QObject *parent = nullptr);
 
-    bool isConnected() const { return m_isConnected; }
+    bool isConnected() const { return !isStale(); }
 
     /// The figures as they are now, by their names; empty while there is no protocol that counts.
     QVariantMap figures() const;
@@ -71,12 +71,12 @@ private Q_SLOTS:
     void takeSent(const QByteArray &block);
 
 private:
+    void takeConnection();
     void refresh();
     void compareFigures();
     void listenToProtocol();
     void keep(FramesModel::Direction direction, const QByteArray &frame);
 
-    bool m_isConnected;
     QVariantMap m_seenFigures;
     QTimer m_refreshTimer;
     bool m_isRecording = false;

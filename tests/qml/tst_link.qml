@@ -14,6 +14,15 @@ TestCase {
     SignalSpy { id: staleSpy; target: ClimateState; signalName: "staleChanged" }
     SignalSpy { id: validSpy; target: LinkState; signalName: "validChanged" }
 
+    // What a handler of either change finds of the other.
+    property int contradictions: 0
+
+    Connections {
+        target: LinkState
+        function onStaleChanged() { test.contradictions += LinkState.connected === LinkState.stale }
+        function onConnectedChanged() { test.contradictions += LinkState.connected === LinkState.stale }
+    }
+
     function comeUp() {
         car.answers = true
         car.send("9f 02 40 01 00 00 01 40 9f 03")
@@ -68,6 +77,7 @@ TestCase {
         expectStale(false)
         compare(ClimateState.title, "Klima")
         compare(connectedSpy.count, 3)
+        compare(contradictions, 0)
         compare(staleSpy.count, 3)
         compare(validSpy.count, 1)
     }
