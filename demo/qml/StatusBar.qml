@@ -18,6 +18,7 @@ Rectangle {
         anchors.left: parent.left
         anchors.leftMargin: Theme.px(22)
         anchors.right: things.left
+        anchors.rightMargin: Theme.px(18)
         anchors.verticalCenter: parent.verticalCenter
         text: bar.title
         font.pixelSize: Theme.titleText

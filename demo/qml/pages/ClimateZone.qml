@@ -64,7 +64,7 @@ Card {
                 id: number
 
                 text: zone.temperature < 0 ? "--" : (zone.temperature / 10).toFixed(1)
-                font.pixelSize: Theme.hugeText
+                font.pixelSize: text.length < 6 ? Theme.hugeText : Theme.px(48)
                 font.weight: Font.Light
                 color: zone.on ? Theme.text : Theme.textFaint
             }

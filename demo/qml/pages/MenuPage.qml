@@ -83,6 +83,8 @@ Page {
                     width: parent.width
                     text: page.hasValue ? page.value : "--"
                     font.pixelSize: Theme.hugeText
+                    fontSizeMode: Text.HorizontalFit
+                    minimumPixelSize: Theme.titleText
                     font.weight: Font.Light
                     horizontalAlignment: Text.AlignHCenter
                     color: page.hasValue ? Theme.text : Theme.textFaint
