@@ -44,7 +44,12 @@ struct PlayerRig {
         QThread *const worker = thread();
         if (!worker)
             return;
-        port()->deleteLater();
+        const auto deletePort = [port = port()] { port->deleteLater(); };
+        // On its own thread, which may be telling of a lost line.
+        if (worker->isRunning())
+            QMetaObject::invokeMethod(port(), deletePort, Qt::BlockingQueuedConnection);
+        else
+            deletePort();
         worker->quit();
         worker->wait();
         canbus::threadsAtExit::remove(worker);
