@@ -15,10 +15,10 @@ public:
     }
     ~Owner()
     {
-        if (!m_buffer->mutex.tryLock())
-            return;
+        if (!m_buffer->mutex.tryLock()) // GCOVR_EXCL_BR_LINE: a process that is left so writes no counts
+            return;                     // GCOVR_EXCL_LINE: nor here
         m_buffer->mutex.unlock();
-        delete m_buffer;
+        delete m_buffer; // GCOVR_EXCL_BR_LINE: it is never null
     }
 
 private:
@@ -38,7 +38,7 @@ CanBusReadBuff *CanBusReadBuff::instance()
     // One test for each call: the parser thread asks on every tick.
     static CanBusReadBuff *const buffer = [] {
         auto *const made = new CanBusReadBuff;
-        static const Owner owner(made);
+        static const Owner owner(made); // GCOVR_EXCL_BR_LINE: nobody comes here twice
         return made;
     }();
     return buffer;

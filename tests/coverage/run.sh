@@ -13,8 +13,9 @@ here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
 root=$(cd -- "$here/../.." && pwd)
 build=$root/build/coverage
 jobs=$(nproc)
-# Branches that no source line has: to where an exception would lead, and around the first use of a static object.
-flags="-fno-exceptions -fno-threadsafe-statics"
+# Without branches that no source line has: to where an exception would lead, and around the first use of a static
+# object. And without counts that get lost between threads.
+flags="-fno-exceptions -fno-threadsafe-statics -fprofile-update=atomic"
 say() { printf 'coverage: %s\n' "$*"; }
 
 fail() {
