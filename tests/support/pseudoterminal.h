@@ -1,22 +1,31 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QFile>
 #include <QtCore/QString>
 
 #include <cstdlib>
 #include <fcntl.h>
 #include <termios.h>
 #include <unistd.h>
+#include <vector>
 
 /// The box's end of a serial line: the master of a pseudo-terminal, whose other end is opened by its name.
 class PseudoTerminal {
 public:
     PseudoTerminal()
-        : m_master(::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC))
     {
-        if (m_master < 0 || ::grantpt(m_master) != 0 || ::unlockpt(m_master) != 0)
-            qFatal("no pseudo-terminal is to be had");
-        m_name = QString::fromLocal8Bit(::ptsname(m_master));
+        // The kernel gives a number again as soon as a line is hung up, whereas a test that runs beside this
+        // one may still hold the lock that the port makes for the name. Such a line is kept until another is
+        // found.
+        std::vector<int> locked;
+        openMaster();
+        while (isLocked()) {
+            locked.push_back(m_master);
+            openMaster();
+        }
+        for (const int master : locked)
+            ::close(master);
         makeRaw();
     }
 
@@ -69,6 +78,22 @@ public:
 private:
     Q_DISABLE_COPY(PseudoTerminal)
 
+    void openMaster()
+    {
+        m_master = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        if (m_master < 0 || ::grantpt(m_master) != 0 || ::unlockpt(m_master) != 0)
+            qFatal("no pseudo-terminal is to be had");
+        m_name = QString::fromLocal8Bit(::ptsname(m_master));
+    }
+
+    /// Whether QSerialPort's lock for the name is there, in the first of the folders that it looks for.
+    bool isLocked() const
+    {
+        const QString lock =
+            QStringLiteral("LCK..") + shortName().replace(QLatin1Char('/'), QLatin1Char('_'));
+        return QFile::exists(QStringLiteral("/var/lock/") + lock);
+    }
+
     template <size_t Size>
     ssize_t take(char (&block)[Size])
     {
@@ -83,7 +108,7 @@ private:
         ::tcsetattr(m_master, TCSANOW, &raw);
     }
 
-    int m_master;
+    int m_master = -1;
     QString m_name;
     QByteArray m_received;
 };
