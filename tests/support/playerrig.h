@@ -10,6 +10,8 @@
 #include <QtCore/QMetaMethod>
 #include <QtCore/QThread>
 
+#include <atomic>
+
 /// A protocol that keeps what it is given.
 class PlayedProtocol : public canbus::CanbusProtocol {
 public:
@@ -66,6 +68,20 @@ struct PlayerRig {
     {
         player.setUartPort(QStringLiteral("/dev/canbus-missing"), 57600);
         player.init(&protocol);
+    }
+
+    /// Lets fifty blocks wait for the line, which nobody reads, and which has taken `late` blocks too late by
+    /// then.
+    void letBlocksWait(std::atomic<int> &late)
+    {
+        QObject::connect(
+            port(), &canbus::SerialPort::error, port(), [&late] { ++late; }, Qt::DirectConnection);
+        while (late == 0) {
+            Q_EMIT protocol.onWritPortData(QByteArray(1000, '\x55'));
+            QThread::msleep(1);
+        }
+        for (int count = 0; count < 50; ++count)
+            Q_EMIT protocol.onWritPortData(QByteArray::fromHex("9f0621219f03"));
     }
 
     canbus::SerialPort *port() const { return canbus::CanBusPlayerProbe::data(player).serialPort; }

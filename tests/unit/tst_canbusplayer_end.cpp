@@ -1,4 +1,3 @@
-#include <hexbytes.h>
 #include <logrecorder.h>
 #include <playerrig.h>
 
@@ -28,14 +27,7 @@ void endWithBlocksWaiting(int argc, char *argv[])
     PlayerRig rig;
     rig.start();
     std::atomic<int> late {0};
-    QObject::connect(
-        rig.port(), &SerialPort::error, rig.port(), [&] { ++late; }, Qt::DirectConnection);
-    while (late == 0) {
-        Q_EMIT rig.protocol.onWritPortData(QByteArray(1000, '\x55'));
-        QThread::msleep(1);
-    }
-    for (int count = 0; count < 50; ++count)
-        Q_EMIT rig.protocol.onWritPortData(bytes("9f 06 21 21 9f 03"));
+    rig.letBlocksWait(late);
     const int before = late;
     application.reset();
     g_end.wasFinished = rig.thread()->isFinished();

@@ -25,15 +25,7 @@ void CanBusPlayerReopenTest::opensAnotherLineWithoutWaitingForBlocksThatWait()
     PlayerRig rig;
     rig.start();
     std::atomic<int> late {0};
-    QObject::connect(
-        rig.port(), &SerialPort::error, rig.port(), [&] { ++late; }, Qt::DirectConnection);
-    // Nobody reads the line.
-    while (late == 0) {
-        Q_EMIT rig.protocol.onWritPortData(QByteArray(1000, '\x55'));
-        QThread::msleep(1);
-    }
-    for (int count = 0; count < 50; ++count)
-        Q_EMIT rig.protocol.onWritPortData(bytes("9f 06 21 21 9f 03"));
+    rig.letBlocksWait(late);
 
     PseudoTerminal other;
     rig.player.setUartPort(other.name(), 57600);
