@@ -1,13 +1,13 @@
-#include "boxsim/line.h"
+#include "boxsim/bench/report.h"
+#include "boxsim/bench/session.h"
+#include "boxsim/line/line.h"
 #include "boxsim/options.h"
-#include "boxsim/report.h"
-#include "boxsim/scenarioschema.h"
-#include "boxsim/session.h"
+#include "boxsim/scenario/scenarioschema.h"
 #include "boxsim/setup.h"
 #include "boxsim/steering.h"
 
-#include "linereader.h"
-#include "oneline.h"
+#include "commandline/linereader.h"
+#include "commandline/oneline.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>

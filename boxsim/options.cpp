@@ -1,6 +1,6 @@
 #include "options.h"
 
-#include "boxsim/benchstate.h"
+#include "boxsim/fields/benchstate.h"
 
 #include <QtCore/QCommandLineParser>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "boxsim/faults.h"
-#include "boxsim/instruction.h"
-#include "boxsim/times.h"
+#include "boxsim/bench/instruction.h"
+#include "boxsim/line/faults.h"
+#include "boxsim/line/times.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>

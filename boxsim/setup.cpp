@@ -1,9 +1,9 @@
 #include "setup.h"
 
-#include "boxsim/builtindrive.h"
-#include "boxsim/replay.h"
-#include "boxsim/scenario.h"
-#include "boxsim/scenarioplayer.h"
+#include "boxsim/bench/replay.h"
+#include "boxsim/scenario/builtindrive.h"
+#include "boxsim/scenario/scenario.h"
+#include "boxsim/scenario/scenarioplayer.h"
 
 #include <QtCore/QRandomGenerator>
 

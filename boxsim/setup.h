@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/bench.h"
+#include "boxsim/bench/bench.h"
 #include "boxsim/options.h"
 
 #include <QtCore/QString>

@@ -1,9 +1,9 @@
 #include "steering.h"
 
-#include "boxsim/fieldvalues.h"
+#include "boxsim/fields/fieldvalues.h"
 #include "boxsim/steeringhelp.h"
 
-#include "similarnames.h"
+#include "commandline/similarnames.h"
 
 #include <QtCore/QRegularExpression>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "boxsim/benchstate.h"
-#include "boxsim/instruction.h"
+#include "boxsim/bench/instruction.h"
+#include "boxsim/fields/benchstate.h"
 
 #include <QtCore/QStringList>
 

@@ -1,7 +1,7 @@
 #include "steeringhelp.h"
 
-#include "boxsim/fields.h"
-#include "boxsim/fieldvalues.h"
+#include "boxsim/fields/fields.h"
+#include "boxsim/fields/fieldvalues.h"
 
 #include <QtCore/QVector>
 

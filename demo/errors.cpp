@@ -1,6 +1,6 @@
 #include "errors.h"
 
-#include "oneline.h"
+#include "commandline/oneline.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>

@@ -1,6 +1,6 @@
 #include "options.h"
 
-#include "similarnames.h"
+#include "commandline/similarnames.h"
 
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QRegularExpression>

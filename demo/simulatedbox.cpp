@@ -1,9 +1,9 @@
 #include "simulatedbox.h"
 
-#include "boxsim/line.h"
-#include "boxsim/report.h"
-#include "boxsim/scenarioplayer.h"
-#include "boxsim/session.h"
+#include "boxsim/bench/report.h"
+#include "boxsim/bench/session.h"
+#include "boxsim/line/line.h"
+#include "boxsim/scenario/scenarioplayer.h"
 #include "boxsim/steering.h"
 
 #include <QtCore/QFile>

@@ -1,4 +1,4 @@
-#include "boxsim/scenario.h"
+#include "boxsim/scenario/scenario.h"
 
 #include "target.h"
 

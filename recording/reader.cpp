@@ -2,8 +2,8 @@
 #include "recording/packettime.h"
 #include "recording/pcapng.h"
 
-#include "oneline.h"
-#include "regularfile.h"
+#include "commandline/oneline.h"
+#include "commandline/regularfile.h"
 
 #include <QtCore/QtEndian>
 

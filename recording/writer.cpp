@@ -1,6 +1,6 @@
 #include "recording/pcapng.h"
 
-#include "oneline.h"
+#include "commandline/oneline.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QMutexLocker>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "boxsim/bench.h"
-#include "boxsim/faultyline.h"
+#include "boxsim/bench/bench.h"
+#include "boxsim/line/faultyline.h"
 #include "linefaults.h"
 #include "pacedline.h"
 #include "trace.h"

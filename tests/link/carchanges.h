@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/benchstate.h"
+#include "boxsim/fields/benchstate.h"
 #include "chance.h"
 
 #include <QtCore/QVector>

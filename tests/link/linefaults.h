@@ -1,7 +1,7 @@
 #pragma once
 
-#include "boxsim/faults.h"
-#include "boxsim/fields.h"
+#include "boxsim/fields/fields.h"
+#include "boxsim/line/faults.h"
 #include "chance.h"
 
 #include <QtCore/QVector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/wirereader.h"
+#include "boxsim/link/wirereader.h"
 #include "findings.h"
 #include "headunitreading.h"
 #include "wirecounts.h"

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "boxsim/climatestate.h"
-#include "boxsim/gaugesstate.h"
-#include "boxsim/parkingstate.h"
-#include "boxsim/screens.h"
-#include "boxsim/textscreen.h"
-#include "boxsim/vehiclestate.h"
+#include "boxsim/car/climatestate.h"
+#include "boxsim/car/gaugesstate.h"
+#include "boxsim/car/parkingstate.h"
+#include "boxsim/car/screens.h"
+#include "boxsim/car/textscreen.h"
+#include "boxsim/car/vehiclestate.h"
 
 #include <QtCore/QObject>
 

@@ -1,10 +1,10 @@
 #include "simulatedheadunit.h"
 #include "simulatedline.h"
 
-#include "boxsim/bench.h"
-#include "boxsim/builtindrive.h"
-#include "boxsim/climatestate.h"
-#include "boxsim/scenarioplayer.h"
+#include "boxsim/bench/bench.h"
+#include "boxsim/car/climatestate.h"
+#include "boxsim/scenario/builtindrive.h"
+#include "boxsim/scenario/scenarioplayer.h"
 #include "link/frameformat.h"
 
 #include <QtTest>

@@ -1,9 +1,9 @@
 #include "simulatedheadunit.h"
 #include "simulatedline.h"
 
-#include "boxsim/bench.h"
-#include "boxsim/report.h"
-#include "boxsim/scenarioplayer.h"
+#include "boxsim/bench/bench.h"
+#include "boxsim/bench/report.h"
+#include "boxsim/scenario/scenarioplayer.h"
 #include "link/frameformat.h"
 
 #include <QtCore/QDir>

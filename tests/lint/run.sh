@@ -22,7 +22,7 @@ lint_layout() {
 # each_source COMMAND...: runs it on each source of what is delivered; fails when it fails or prints anything.
 each_source() {
     local findings status=0
-    findings=$(tracked 'src/*.cpp' 'hostsdk/*.cpp' 'boxsim/*.cpp' 'recording/*.cpp' 'tools/*.cpp' \
+    findings=$(tracked 'src/*.cpp' 'hostsdk/*.cpp' 'boxsim/*.cpp' 'recording/*.cpp' 'commandline/*.cpp' 'tools/*.cpp' \
         'qml/*.cpp' 'demo/*.cpp' \
         | xargs -0r -n 1 -P "$jobs" "$@" 2>&1 | sed -E '/^[0-9]+ (warning|error)s?.* generated\.$/d') || status=1
     [ -z "$findings" ] || printf '%s\n' "$findings"
@@ -56,7 +56,7 @@ lint_cppcheck() {
     cppcheck --quiet --std=c++17 --library=qt --inline-suppr --error-exitcode=1 -j "$jobs" \
         --enable=warning,performance,portability,style "${cppcheck_off[@]/#/--suppress=}" -D__linux__ \
         -I . -I src -I src/support -I src/link -I src/serial -I src/player -I src/groups \
-        -I hostsdk/include -I hostsdk/reference src hostsdk boxsim recording tools qml demo
+        -I hostsdk/include -I hostsdk/reference src hostsdk boxsim recording commandline tools qml demo
 }
 
 lint_scripts() {

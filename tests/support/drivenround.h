@@ -1,8 +1,8 @@
 #pragma once
 
-#include "boxsim/benchstate.h"
-#include "boxsim/builtindrive.h"
-#include "boxsim/scenarioplayer.h"
+#include "boxsim/fields/benchstate.h"
+#include "boxsim/scenario/builtindrive.h"
+#include "boxsim/scenario/scenarioplayer.h"
 
 #include <vector>
 

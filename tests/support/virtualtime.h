@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/virtualtimers.h"
+#include "tools/monitor/virtualtimers.h"
 
 /// The event dispatcher of a test whose QTimers run in virtual time: the clock stands still except in
 /// advance(), which jumps from one timer to the next without waiting.

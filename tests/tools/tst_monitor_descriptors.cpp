@@ -1,4 +1,4 @@
-#include "linereader.h"
+#include "commandline/linereader.h"
 #include "output.h"
 #include "stopsignals.h"
 

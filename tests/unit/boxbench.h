@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/box.h"
+#include "boxsim/link/box.h"
 
 #include "hexbytes.h"
 

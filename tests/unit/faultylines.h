@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/faultyline.h"
+#include "boxsim/line/faultyline.h"
 
 /// Lines with faults, for the tests of what they do to bytes.
 namespace faultylines {

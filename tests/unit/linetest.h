@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/line.h"
+#include "boxsim/line/line.h"
 
 #include <QtCore/QTemporaryDir>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/replay.h"
+#include "boxsim/bench/replay.h"
 
 #include "hexbytes.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "boxsim/scenarioplayer.h"
+#include "boxsim/scenario/scenarioplayer.h"
 
 #include <QtCore/QString>
 #include <QtCore/QStringList>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "boxbench.h"
-#include "boxsim/bench.h"
+#include "boxsim/bench/bench.h"
 
 #include <QtCore/QMap>
 

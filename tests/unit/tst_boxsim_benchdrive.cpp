@@ -1,7 +1,7 @@
 #include "scriptedbench.h"
 
-#include "boxsim/builtindrive.h"
-#include "boxsim/scenarioplayer.h"
+#include "boxsim/scenario/builtindrive.h"
+#include "boxsim/scenario/scenarioplayer.h"
 
 #include <QtTest/QtTest>
 

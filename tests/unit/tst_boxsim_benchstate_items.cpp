@@ -1,4 +1,4 @@
-#include "boxsim/benchstate.h"
+#include "boxsim/fields/benchstate.h"
 
 #include <QtCore/QSet>
 #include <QtTest/QtTest>

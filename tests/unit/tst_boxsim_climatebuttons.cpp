@@ -1,4 +1,4 @@
-#include "boxsim/climatebuttons.h"
+#include "boxsim/car/climatebuttons.h"
 
 #include <QtTest/QtTest>
 

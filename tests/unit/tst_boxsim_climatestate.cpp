@@ -1,4 +1,4 @@
-#include "boxsim/climatestate.h"
+#include "boxsim/car/climatestate.h"
 
 #include "hexbytes.h"
 

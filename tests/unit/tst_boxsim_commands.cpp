@@ -1,4 +1,4 @@
-#include "boxsim/commands.h"
+#include "boxsim/link/commands.h"
 
 #include "hexbytes.h"
 

@@ -1,4 +1,4 @@
-#include "boxsim/gaugefaces.h"
+#include "boxsim/car/gaugefaces.h"
 
 #include <QtTest/QtTest>
 

@@ -1,4 +1,4 @@
-#include "boxsim/gaugesstate.h"
+#include "boxsim/car/gaugesstate.h"
 
 #include "hexbytes.h"
 

@@ -1,4 +1,4 @@
-#include "boxsim/menu.h"
+#include "boxsim/car/menu.h"
 
 #include "hexbytes.h"
 

@@ -1,4 +1,4 @@
-#include "boxsim/fields.h"
+#include "boxsim/fields/fields.h"
 #include "boxsim/options.h"
 
 #include <QtCore/QFile>

@@ -1,4 +1,4 @@
-#include "boxsim/otherbuttons.h"
+#include "boxsim/car/otherbuttons.h"
 
 #include <QtTest/QtTest>
 

@@ -1,4 +1,4 @@
-#include "boxsim/parkingstate.h"
+#include "boxsim/car/parkingstate.h"
 
 #include "hexbytes.h"
 

@@ -1,4 +1,4 @@
-#include "boxsim/random.h"
+#include "boxsim/line/random.h"
 
 #include <QtTest/QtTest>
 

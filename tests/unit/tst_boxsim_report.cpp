@@ -1,4 +1,4 @@
-#include "boxsim/report.h"
+#include "boxsim/bench/report.h"
 
 #include "hexbytes.h"
 

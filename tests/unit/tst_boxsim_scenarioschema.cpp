@@ -1,5 +1,5 @@
-#include "boxsim/scenario.h"
-#include "boxsim/scenarioschema.h"
+#include "boxsim/scenario/scenario.h"
+#include "boxsim/scenario/scenarioschema.h"
 
 #include <QtCore/QDirIterator>
 #include <QtTest/QtTest>

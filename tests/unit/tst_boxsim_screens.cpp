@@ -1,5 +1,5 @@
-#include "boxsim/screens.h"
-#include "boxsim/textscreen.h"
+#include "boxsim/car/screens.h"
+#include "boxsim/car/textscreen.h"
 
 #include "hexbytes.h"
 

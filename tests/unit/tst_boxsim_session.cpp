@@ -1,4 +1,4 @@
-#include "boxsim/session.h"
+#include "boxsim/bench/session.h"
 
 #include "scriptedbench.h"
 

@@ -1,4 +1,4 @@
-#include "boxsim/vehiclestate.h"
+#include "boxsim/car/vehiclestate.h"
 
 #include "hexbytes.h"
 

@@ -1,4 +1,4 @@
-#include "boxsim/wirereader.h"
+#include "boxsim/link/wirereader.h"
 
 #include "hexbytes.h"
 

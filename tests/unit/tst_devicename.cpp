@@ -1,4 +1,4 @@
-#include "devicename.h"
+#include "commandline/devicename.h"
 
 #include <QtTest/QtTest>
 

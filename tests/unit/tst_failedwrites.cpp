@@ -1,4 +1,4 @@
-#include "boxsim/box.h"
+#include "boxsim/link/box.h"
 #include "canbusplayer.h"
 #include "linkhealth.h"
 #include "velcanbusprotocol.h"

@@ -1,4 +1,4 @@
-#include "oneline.h"
+#include "commandline/oneline.h"
 
 #include <QtTest/QtTest>
 

@@ -1,4 +1,4 @@
-#include "regularfile.h"
+#include "commandline/regularfile.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>

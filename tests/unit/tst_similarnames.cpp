@@ -1,4 +1,4 @@
-#include "similarnames.h"
+#include "commandline/similarnames.h"
 
 #include <QtTest/QtTest>
 

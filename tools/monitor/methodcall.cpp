@@ -1,8 +1,8 @@
 #include "methodcall.h"
 
 #include "argument.h"
+#include "commandline/similarnames.h"
 #include "metamethods.h"
-#include "similarnames.h"
 #include "valuetext.h"
 
 #include <QtCore/QStringList>

@@ -1,9 +1,9 @@
 #include "monitor.h"
 
-#include "devicename.h"
+#include "commandline/devicename.h"
+#include "commandline/linereader.h"
 #include "exitstatus.h"
 #include "hostcontrols.h"
-#include "linereader.h"
 #include "linkhints.h"
 #include "metamethods.h"
 #include "portwatch.h"

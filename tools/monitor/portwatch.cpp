@@ -1,6 +1,6 @@
 #include "portwatch.h"
 
-#include "devicename.h"
+#include "commandline/devicename.h"
 
 #include <QtCore/QFile>
 

@@ -1,6 +1,6 @@
 #include "standarderror.h"
 
-#include "oneline.h"
+#include "commandline/oneline.h"
 
 #include <QtCore/QByteArray>
 #include <QtCore/QLoggingCategory>
