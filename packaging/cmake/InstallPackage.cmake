@@ -4,6 +4,21 @@
 set(canbus_include_dir "${CMAKE_INSTALL_INCLUDEDIR}/canbusservice")
 set(canbus_host_include_dir "${canbus_include_dir}/hostsdk")
 set(canbus_package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/CanbusService")
+set(CANBUS_INSTALL_ZSHDIR "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" CACHE STRING
+  "Where zsh finds completions, below the prefix")
+
+# canbus_install_command(NAME COMPONENT): a command with its manual page and completions.
+function(canbus_install_command name component)
+  file(RELATIVE_PATH libraries_from_commands "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries_from_commands}")
+  install(TARGETS ${name} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT ${component})
+  install(FILES "${PROJECT_SOURCE_DIR}/docs/man/${name}.1"
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT ${component})
+  install(FILES "${PROJECT_SOURCE_DIR}/packaging/completions/bash/${name}"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT ${component})
+  install(FILES "${PROJECT_SOURCE_DIR}/packaging/completions/zsh/_${name}"
+    DESTINATION "${CANBUS_INSTALL_ZSHDIR}" COMPONENT ${component})
+endfunction()
 
 install(TARGETS hostsdk EXPORT CanbusServiceTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development
@@ -15,16 +30,22 @@ install(FILES ${CANBUS_HOST_HEADERS} DESTINATION "${canbus_host_include_dir}" CO
 
 # Found from where they lie, so that the folder as a whole can be moved.
 set_target_properties(canbusservice PROPERTIES INSTALL_RPATH "$ORIGIN")
-file(RELATIVE_PATH canbus_libraries_from_commands
-  "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
 foreach(command canbus-boxsim canbus-monitor)
   if(TARGET ${command})
-    set_target_properties(${command} PROPERTIES INSTALL_RPATH "$ORIGIN/${canbus_libraries_from_commands}")
-    install(TARGETS ${command} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime)
-    install(FILES "${PROJECT_SOURCE_DIR}/docs/man/${command}.1"
-      DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT Runtime)
+    canbus_install_command(${command} Runtime)
   endif()
 endforeach()
+if(TARGET canbus-boxsim)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/scenarios"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/canbusservice" COMPONENT Runtime FILES_MATCHING PATTERN "*.json")
+endif()
+if(TARGET canbus-headunit)
+  canbus_install_command(canbus-headunit Demo)
+  install(FILES "${PROJECT_SOURCE_DIR}/packaging/desktop/canbus-headunit.desktop"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/applications" COMPONENT Demo)
+  install(FILES "${PROJECT_SOURCE_DIR}/packaging/desktop/canbus-headunit.svg"
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps" COMPONENT Demo)
+endif()
 
 install(EXPORT CanbusServiceTargets NAMESPACE CanbusService::
   DESTINATION "${canbus_package_dir}" COMPONENT Development)
