@@ -5,6 +5,7 @@ import argparse
 import json
 import os
 import pathlib
+import subprocess
 import sys
 
 import baseline
@@ -12,8 +13,9 @@ import measure
 import rows
 import timing
 
-ARM_BUILD = pathlib.Path(__file__).resolve().parents[1] / "build/armhf"
-BASELINE = pathlib.Path(__file__).resolve().parent / "baseline.json"
+ROOT = pathlib.Path(__file__).resolve().parents[1]
+ARM_BUILD = ROOT / "build/armhf"
+BASELINE = ROOT / "bench/baseline.json"
 
 
 def parsed_arguments():
@@ -63,11 +65,31 @@ def measured_counts(folder, everything, table):
     return made_with, baseline_counts(counts, facts)
 
 
+def result(*arguments):
+    """Leaves behind what docs/figures/renew.sh gathers."""
+    subprocess.run([sys.executable, ROOT / "docs/figures/result.py", *arguments], check=True)
+
+
+def leave_result(arguments, table, as_baseline):
+    """The goals; and whether the counts are the baseline's, None where they were not compared."""
+    missed = [row.what for row in table if row.met is False]
+    figures = {
+        "met": sum(row.met is True for row in table),
+        "missed": missed,
+        "as_baseline": as_baseline,
+        "only": arguments.only,
+        "long": arguments.long,
+    }
+    status = "1" if as_baseline is False else "0"
+    result("end", "bench", status, *(f"{key}={json.dumps(value)}" for key, value in figures.items()))
+
+
 def run(arguments):
     """Measures, prints, stores and compares. Returns the exit status."""
     folder = arguments.build / "bench"
     everything = {"load average at start": os.getloadavg()}
-    table, passes = [], True
+    table, as_baseline = [], None
+    result("begin", "bench")
     if arguments.only != "times":
         made_with, counts = measured_counts(folder, everything, table)
     if arguments.only != "counts":
@@ -80,12 +102,13 @@ def run(arguments):
             baseline.store(BASELINE, made_with, counts)
             print(f"\ncounts: {len(counts)}, now the baseline")
         else:
-            passes = compare(made_with, counts)
+            as_baseline = compare(made_with, counts)
     everything["load average at end"] = os.getloadavg()
     everything["rows"] = [vars(row) for row in table]
     if arguments.json:
         arguments.json.write_text(json.dumps(everything, indent=2) + "\n", encoding="utf-8")
-    return 0 if passes else 1
+    leave_result(arguments, table, as_baseline)
+    return 1 if as_baseline is False else 0
 
 
 def main():

@@ -221,7 +221,18 @@ table() {
     done
 }
 
+# leave_result STATUS
+leave_result() {
+    local target executions findings figures=()
+    for target in "${targets[@]}"; do
+        counted "$target"
+        figures+=("executions.$target=$executions" "findings.$target=$findings")
+    done
+    "$root/docs/figures/result.py" end fuzz "$1" "${figures[@]}"
+}
+
 read_arguments "$@"
+"$root/docs/figures/result.py" begin fuzz
 build_targets
 ended_early=$(mktemp -d)
 trap 'rm -rf "$ended_early"' EXIT
@@ -229,5 +240,6 @@ failed=()
 share=$((seconds * jobs / ${#targets[@]}))
 run_all $((share > 0 ? share : 1))
 table
+leave_result ${#failed[@]}
 [ ${#failed[@]} -eq 0 ] || fail 1 "FAILED: ${failed[*]}; findings are kept in $build/findings"
 echo "fuzz: no findings"

@@ -25,6 +25,8 @@ fail() {
 
 command -v gcovr >/dev/null || fail "gcovr is missing: package gcovr"
 
+result=$root/docs/figures/result.py
+"$result" begin coverage
 say "building with gcov's counters"
 # Those of the simulated box do not count: they are about the other side. What the commands use of src is tested with
 # them.
@@ -40,26 +42,36 @@ find "$build" -name '*.gcda' -delete
 say "running the tests"
 # Some are about time, and without optimisation on a busy machine may need a second chance: ./dev test gives none.
 ctest --test-dir "$build" --output-on-failure --no-tests=error -j "$jobs" --repeat until-pass:2 \
-    -R "^($(IFS='|' && echo "${tests[*]}"))\$" || fail "a test has failed"
+    -R "^($(IFS='|' && echo "${tests[*]}"))\$" || { "$result" end coverage 1 && fail "a test has failed"; }
 
 say "counting"
 mkdir -p "$build/report"
 gcovr --root "$root" --object-directory "$build" --filter "$root/src/" --exclude-unreachable-branches -j "$jobs" \
     --json "$build/report/counts.json" "$build/src" "$build/tests"
 
-# counted NAME OPTION...: prints the table of what these options of gcovr choose; false below what they ask for.
+# counted FILE NAME OPTION...: prints the table of what these options of gcovr choose, with the sums in that file of
+# the report; false below what they ask for.
 counted() {
-    say "$1"
-    shift
-    gcovr --root "$root" --add-tracefile "$build/report/counts.json" --branches "$@"
+    local sums=$build/report/$1
+    say "$2"
+    shift 2
+    gcovr --root "$root" --add-tracefile "$build/report/counts.json" --branches --txt - --json-summary "$sums" "$@"
 }
 
 status=0
 # A template is counted as its least tested copy, so the rule by which an item is news is left out: its callers count.
-counted "receive path, send queue and decoders: every branch and line" --filter "$root/src/link/(?!linkhealth)" \
+counted core.json "receive path, send queue and decoders: every branch and line" --filter "$root/src/link/(?!linkhealth)" \
     --filter "$root/src/groups/" --filter "$root/src/support/(bytes|text)" \
     --fail-under-branch 100 --fail-under-line 100 || status=1
-counted "all of src: at least 95 % of the branches" --fail-under-branch 95 || status=1
+counted src.json "all of src: at least 95 % of the branches" --fail-under-branch 95 || status=1
 gcovr --root "$root" --add-tracefile "$build/report/counts.json" --html-details "$build/report/index.html"
+
+# figure PART: the branches in the sums of that part, as arguments of result.py.
+figure() {
+    sed -nE "s/.*\"branch_covered\": ([0-9]+), .*\"branch_total\": ([0-9]+), \"files\".*/$1.taken=\1 $1.branches=\2/p" \
+        "$build/report/$1.json"
+}
+read -ra figures <<<"$(figure core) $(figure src)"
+"$result" end coverage $status "${figures[@]}"
 [ $status -eq 0 ] || fail "the lines are in build/coverage/report/index.html"
 say "passed"

@@ -30,6 +30,7 @@ is_number() { [[ $1 =~ ^[0-9]{1,9}$ ]] || { [[ $1 =~ ^[0-9]{10}$ ]] && [ "$1" -l
 
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd)
 count=1000
+instrument=
 preset=dev
 build=
 while [ $# -gt 0 ]; do
@@ -54,9 +55,11 @@ while [ $# -gt 0 ]; do
             shift
             ;;
         --valgrind)
+            instrument=$1
             export CANBUS_EXITS_WRAPPER="valgrind --quiet --error-exitcode=99 --sim-hints=lax-ioctls" CANBUS_EXITS_LIMIT_MS=20000
             ;;
         --asan)
+            instrument=$1
             preset=asan
             export CANBUS_EXITS_LIMIT_MS=5000
             ;;
@@ -70,6 +73,8 @@ done
 build=${build:-$root/build/$preset}
 export CANBUS_EXITS=$count
 
+result=$root/docs/figures/result.py
+"$result" begin exits
 echo "exits: building"
 [ -f "$build/build.ninja" ] || (cd "$root" && cmake --preset "$preset" -B "$build" --log-level=WARNING)
 cmake --build "$build" --target tst_exits -- --quiet
@@ -78,6 +83,7 @@ status=0
 # The test framework's own watch is for tests that take minutes; here each exit has one of its own.
 QTEST_FUNCTION_TIMEOUT=2147483647 "$build/tests/tst_exits" everyExitInTrafficIsClean \
     | grep --line-buffered '^exit\|^    \|^FAIL\|^QFATAL\|^ERROR' || status=$?
+"$result" end exits "$status" "count=$count" "instrument=$instrument"
 if [ "$status" -eq 0 ]; then
     echo "exits: passed"
 else

@@ -26,19 +26,21 @@ is_number() { [[ $1 =~ ^[1-9][0-9]{0,8}$ ]]; }
 
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd)
 build=${CANBUS_SIM_BUILD:-$root/build/dev}
-arguments=()
+seeds=10000
+hours=
+from=1
 jobs=$(nproc)
 while [ $# -gt 0 ]; do
     case $1 in
         --help | -h) usage && exit 0 ;;
         --from | --hours | --jobs)
             is_number "${2:-}" || fail "$1 takes a number from 1 on, and \"${2:-}\" was given"
-            if [ "$1" = --jobs ]; then jobs=$2; else arguments+=("$1" "$2"); fi
+            declare "${1#--}=$2"
             shift
             ;;
         *)
             is_number "$1" || fail "\"$1\" is no number of seeds: see tests/link/run.sh --help"
-            arguments+=("$1")
+            seeds=$1
             ;;
     esac
     shift
@@ -46,4 +48,26 @@ done
 
 [ -e "$build/build.ninja" ] || cmake -S "$root" -B "$build" --preset dev --log-level=WARNING
 cmake --build "$build" -j "$(nproc)" --target simulate-link
-exec nice -n 5 "$build/tests/simulate-link" --jobs "$jobs" "${arguments[@]}"
+simulate=(nice -n 5 "$build/tests/simulate-link" --from "$from" --jobs "$jobs")
+[ -z "${CANBUS_SIM_SEED:-}" ] || exec "${simulate[@]}"
+
+# figure TEXT: the number that stands in place of N in a line of the output; nothing where there is no such line.
+figure() { sed -nE "s/^simulated link: (good|FAILED): ${1/N/([0-9]+)}.*/\2/p" "$output"; }
+
+proof=${hours:+hours}
+proof=${proof:-simulate}
+"$root/docs/figures/result.py" begin "$proof"
+output=$(mktemp)
+trap 'rm -f "$output"' EXIT
+status=0
+if [ "$hours" ]; then
+    "${simulate[@]}" --hours "$hours" || status=$?
+    figures=("hours=$hours")
+else
+    "${simulate[@]}" "$seeds" | tee "$output" || status=$?
+    held=$(figure 'every rule held for N seeds')
+    broken=$(figure 'N of [0-9]+ seeds broke a rule')
+    figures=("wanted=$seeds" "seeds=${held:-$(figure '[0-9]+ of N seeds broke a rule')}" "broken=${broken:-0}")
+fi
+"$root/docs/figures/result.py" end "$proof" "$status" "${figures[@]}"
+exit "$status"

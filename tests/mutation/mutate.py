@@ -5,6 +5,7 @@ import argparse
 import collections
 import concurrent.futures
 import fcntl
+import json
 import os
 import pathlib
 import random
@@ -256,6 +257,11 @@ def verdict(results, found):
     return noticed, counted
 
 
+def result(*arguments):
+    """Leaves behind what docs/figures/renew.sh gathers."""
+    subprocess.run([sys.executable, str(ROOT / "docs/figures/result.py"), *arguments], check=True)
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--count", default="240", help='how many mutants, or "all"')
@@ -278,6 +284,7 @@ def main():
         for mutant in in_question:
             tell_mutant(mutant)
         return 0
+    result("begin", "mutate")
     count = len(in_question) if arguments.count == "all" else int(arguments.count)
     chosen = choose(in_question, count, arguments.seed)
     say(f"{len(chosen)} of {len(in_question)} mutants, seed {arguments.seed}")
@@ -296,6 +303,8 @@ def main():
     passes = counted > 0 and noticed >= NEEDED_SHARE * counted and not failed
     say(f"{'PASSED' if passes else 'FAILED'}: the tests notice {noticed} of {counted} mutants that a test could notice, "
         f"{100 * noticed / max(counted, 1):.1f} %, of at least {100 * NEEDED_SHARE:.0f} %")
+    result("end", "mutate", str(int(not passes)), f"noticed={noticed}", f"counted={counted}",
+           f"count={arguments.count}", f"only={json.dumps(arguments.only)}")
     return 0 if passes else 1
 
 

@@ -14,10 +14,10 @@ usage() {
     exit 2
 }
 
-short=
+is_short=false
 case $# in
     0) ;;
-    1) [ "$1" = --short ] || usage && short=1 ;;
+    1) [ "$1" = --short ] || usage && is_short=true ;;
     *) usage ;;
 esac
 
@@ -64,7 +64,8 @@ run() {
     mkdir -p -- "$folder/reports"
     local status=0
     LD_LIBRARY_PATH=$qt/lib TSAN_OPTIONS="include=$here/options:log_path=$folder/reports/others:log_exe_name=1" \
-        ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$((2 * jobs))" "$@" || status=1
+        ctest --test-dir "$folder" --output-on-failure --no-tests=error -j "$((2 * jobs))" \
+        --output-junit "$folder/tests.xml" "$@" || status=1
     [ "$reports" = "$folder/reports" ] || mv -- "$folder/reports" "$reports"
     return $status
 }
@@ -76,6 +77,7 @@ took() {
     start=$SECONDS
 }
 
+"$root/docs/figures/result.py" begin races
 qt=$(qt_folder)
 "$here/build-qt.sh" "$qt"
 took "Qt with the thread sanitizer"
@@ -83,7 +85,7 @@ took "Qt with the thread sanitizer"
 # The tests of the dissector have no threads, and Python.
 tests=(-LE '^planted$' -E '^tst_dissector_')
 targets=(all)
-if [ "$short" ]; then
+if $is_short; then
     tests=(-L '^threads$')
     targets=(tests_with_threads)
 fi
@@ -96,12 +98,16 @@ status=0
 # Here they may fail in any way: the reports are what counts.
 run "$folder/reports-planted" -L '^planted$' >"$folder/planted.log" 2>&1 || true
 took "running them"
-"$here/reports.py" --planted "$folder/reports-planted" || status=1
+are_planted_found=true
+"$here/reports.py" --planted "$folder/reports-planted" || are_planted_found=false
 
 say "running the tests"
 run "$folder/reports" "${tests[@]}" || status=1
 took "running the tests"
-"$here/reports.py" "$folder/reports" || status=1
+"$here/reports.py" "$folder/reports" | tee "$folder/reports.txt" || status=1
+$are_planted_found || status=1
+"$root/docs/figures/result.py" end races $status --junit "$folder/tests.xml" "short=$is_short" \
+    "planted_found=$are_planted_found" "reports=$(sed -nE 's/^([0-9]+) reports of .*/\1/p' "$folder/reports.txt")"
 
 if [ $status -ne 0 ]; then
     say "FAILED: see above"
