@@ -6,8 +6,11 @@
 #include "boxsim/setup.h"
 #include "boxsim/steering.h"
 
+#include "commandline/complaint.h"
+#include "commandline/exitstatus.h"
 #include "commandline/linereader.h"
 #include "commandline/oneline.h"
+#include "commandline/stopsignals.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QSocketNotifier>
@@ -15,21 +18,20 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace {
 
 using namespace boxsim;
 
-constexpr int kRunTimeFailure = 1;
-constexpr int kWrongArguments = 2;
+using canbus::kFailure;
+using canbus::kSuccess;
+using canbus::kWrongArguments;
 
 void complain(const QString &error)
 {
-    std::fprintf(stderr, "canbus-boxsim: %s\n", canbus::onOneLine(error).toLocal8Bit().constData());
+    canbus::complain("canbus-boxsim", error);
 }
 
 int fail(int status, const QString &error)
@@ -49,7 +51,7 @@ int statusOfOutput()
 {
     const bool isUnread = errno == EPIPE;
     std::clearerr(stdout);
-    return isUnread ? 0 : fail(kRunTimeFailure, QStringLiteral("cannot write to standard output"));
+    return isUnread ? kSuccess : fail(kFailure, QStringLiteral("cannot write to standard output"));
 }
 
 /// Prints one line at once; ends the program if it cannot.
@@ -62,19 +64,7 @@ void print(const QByteArray &line)
 /// Prints what is all that the program was asked for. @return the exit status
 int answer(const QByteArray &text)
 {
-    return isPrinted(text) ? 0 : statusOfOutput();
-}
-
-/// Turns the signals that end a program into a readable descriptor. @return the descriptor, or -1
-int openEndingSignals()
-{
-    sigset_t ending;
-    sigemptyset(&ending);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&ending, signal);
-    std::signal(SIGPIPE, SIG_IGN);
-    sigprocmask(SIG_BLOCK, &ending, nullptr);
-    return signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK);
+    return isPrinted(text) ? kSuccess : statusOfOutput();
 }
 
 /// Takes one line of standard input.
@@ -89,7 +79,7 @@ void takeLine(Session &session, const QString &line, bool json)
         session.carryOut(*steered.instruction);
 }
 
-int run(QCoreApplication &application, const Options &options, int endingSignals)
+int run(QCoreApplication &application, const Options &options, int stopDescriptor)
 {
     Setup setup;
     QString error;
@@ -99,18 +89,18 @@ int run(QCoreApplication &application, const Options &options, int endingSignals
         ? openPty(options.ptyLink, &error)
         : openPort(options.port, options.baudRate, &error);
     if (!line)
-        return fail(kRunTimeFailure, error);
+        return fail(kFailure, error);
 
     Session session(line.get(), setup.bench, std::move(setup.script));
     QObject::connect(&session, &Session::happened, &application,
                      [&options](const Event &event) { print(options.json ? toJson(event) : toLine(event)); });
     QObject::connect(&session, &Session::ended, &application, [](Ending end, const QString &failure) {
-        QCoreApplication::exit(end == Ending::Success ? 0 : fail(kRunTimeFailure, failure));
+        QCoreApplication::exit(end == Ending::Success ? kSuccess : fail(kFailure, failure));
     });
     QObject::connect(line.get(), &Line::failed, &application,
-                     [](const QString &reason) { QCoreApplication::exit(fail(kRunTimeFailure, reason)); });
-    QSocketNotifier ending(endingSignals, QSocketNotifier::Read);
-    QObject::connect(&ending, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
+                     [](const QString &reason) { QCoreApplication::exit(fail(kFailure, reason)); });
+    QSocketNotifier stop(stopDescriptor, QSocketNotifier::Read);
+    QObject::connect(&stop, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
     const canbus::LineReader standardInput(
         STDIN_FILENO, [&session, &options](const QString &text) { takeLine(session, text, options.json); },
         complain);
@@ -135,7 +125,8 @@ int check(const Options &options)
 
 int main(int argc, char *argv[])
 {
-    const int endingSignals = openEndingSignals();
+    std::signal(SIGPIPE, SIG_IGN);
+    const int stopDescriptor = canbus::stopSignals::install({SIGINT, SIGTERM, SIGHUP});
     QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("canbus-boxsim"));
     Options options;
@@ -154,7 +145,7 @@ int main(int argc, char *argv[])
     case Options::Task::Run:
         break;
     }
-    if (endingSignals < 0)
-        return fail(kRunTimeFailure, QStringLiteral("cannot watch for signals"));
-    return run(application, options, endingSignals);
+    if (stopDescriptor < 0)
+        return fail(kFailure, QStringLiteral("cannot watch for signals"));
+    return run(application, options, stopDescriptor);
 }

@@ -2,6 +2,8 @@
 
 #include "boxsim/fields/benchstate.h"
 
+#include "commandline/arguments.h"
+
 #include <QtCore/QCommandLineParser>
 
 #include <limits>
@@ -10,10 +12,7 @@ namespace boxsim {
 
 namespace {
 
-QCommandLineOption option(const char *name, const char *about, const char *value = "")
-{
-    return {QString::fromLatin1(name), QString::fromLatin1(about), QString::fromLatin1(value)};
-}
+using canbus::option;
 
 struct Switches {
     QCommandLineOption pty = option("pty", "Make a pseudo-terminal and link LINK to it.", "LINK");
@@ -296,13 +295,6 @@ bool Reading::readNamedFaults()
     return true;
 }
 
-/// The first line of the parser's text, without its full stop.
-QString firstLine(const QString &text)
-{
-    const QString line = text.section(QLatin1Char('\n'), 0, 0);
-    return line.endsWith(QLatin1Char('.')) ? line.chopped(1) : line;
-}
-
 void describe(QCommandLineParser &parser)
 {
     parser.setApplicationDescription(QStringLiteral(
@@ -321,7 +313,7 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
     describe(parser);
     parser.addOptions(switches.all());
     if (!parser.parse(arguments)) {
-        *error = firstLine(parser.errorText()) + QStringLiteral("; see --help");
+        *error = canbus::mistakeOf(parser) + QStringLiteral("; see --help");
         return false;
     }
     options->helpText = parser.helpText();

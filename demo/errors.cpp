@@ -1,6 +1,7 @@
 #include "errors.h"
 
-#include "commandline/oneline.h"
+#include "commandline/complaint.h"
+#include "commandline/exitstatus.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>
@@ -54,9 +55,7 @@ QString bringerOf(const QString &module)
 
 void complain(const QString &text)
 {
-    const QByteArray line = "canbus-headunit: " + onOneLine(text).toLocal8Bit() + '\n';
-    // In one piece, because several threads write. There is nobody to be told when it fails.
-    [[maybe_unused]] const auto written = ::write(STDERR_FILENO, line.constData(), std::size_t(line.size()));
+    canbus::complain("canbus-headunit", text);
 }
 
 void takeMessages()

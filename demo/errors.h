@@ -7,9 +7,6 @@ class QQmlError;
 
 namespace canbus::headunit {
 
-/// How the command ends.
-enum ExitStatus { kSuccess = 0, kFailure = 1, kWrongArguments = 2 };
-
 /// One line on standard error.
 void complain(const QString &text);
 

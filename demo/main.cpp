@@ -3,6 +3,10 @@
 #include "screenshots.h"
 #include "unit.h"
 
+#include "commandline/arguments.h"
+#include "commandline/exitstatus.h"
+#include "commandline/stopsignals.h"
+
 #include <QtCore/QSocketNotifier>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
@@ -13,10 +17,9 @@
 #include <csignal>
 #include <cstdio>
 
-#include <sys/signalfd.h>
-
 namespace {
 
+using namespace canbus;
 using namespace canbus::headunit;
 
 int fail(int status, const QString &error)
@@ -30,26 +33,6 @@ int answer(const QString &text)
     const bool isPrinted =
         std::fputs(text.toLocal8Bit().constData(), stdout) >= 0 && std::fflush(stdout) == 0;
     return isPrinted ? kSuccess : fail(kFailure, QStringLiteral("cannot write to standard output"));
-}
-
-QStringList argumentsOf(int argc, char *argv[])
-{
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments << QString::fromLocal8Bit(argv[i]);
-    return arguments;
-}
-
-/// Turns the signals that end a program into a readable descriptor, before there is another thread.
-/// @return the descriptor, or -1
-int openEndingSignals()
-{
-    sigset_t ending;
-    sigemptyset(&ending);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        sigaddset(&ending, signal);
-    sigprocmask(SIG_BLOCK, &ending, nullptr);
-    return signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK);
 }
 
 /// The panel's window is as large as the panel, whose sizes follow those of the head unit's window.
@@ -134,7 +117,7 @@ int run(const Options &options)
 
 int main(int argc, char *argv[])
 {
-    const int endingSignals = openEndingSignals();
+    const int stopDescriptor = stopSignals::install({SIGINT, SIGTERM, SIGHUP});
     std::setlocale(LC_ALL, "");
     Options options;
     QString error;
@@ -154,7 +137,7 @@ int main(int argc, char *argv[])
     if (!hasDisplay())
         return fail(kFailure, noDisplayText());
     QGuiApplication application(argc, argv);
-    QSocketNotifier ending(endingSignals, QSocketNotifier::Read);
-    QObject::connect(&ending, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
+    QSocketNotifier stop(stopDescriptor, QSocketNotifier::Read);
+    QObject::connect(&stop, &QSocketNotifier::activated, &application, [] { QCoreApplication::quit(); });
     return run(options);
 }

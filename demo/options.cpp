@@ -1,5 +1,6 @@
 #include "options.h"
 
+#include "commandline/arguments.h"
 #include "commandline/similarnames.h"
 
 #include <QtCore/QCommandLineParser>
@@ -11,11 +12,6 @@ namespace {
 
 constexpr QSize kSmallest {640, 384};
 constexpr QSize kLargest {3840, 2160};
-
-QCommandLineOption option(const char *name, const char *about, const char *value = "")
-{
-    return {QString::fromLatin1(name), QString::fromLatin1(about), QString::fromLatin1(value)};
-}
 
 QList<QCommandLineOption> allOptions()
 {
@@ -189,14 +185,11 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
     setUp(parser);
     if (!parser.parse(arguments)) {
         const QStringList unknown = parser.unknownOptionNames();
-        QString reason = parser.errorText();
-        if (reason.endsWith(QLatin1Char('.')))
-            reason.chop(1);
         const QString help = QStringLiteral("see canbus-headunit --help");
         const QString hint = unknown.isEmpty()
             ? help
             : didYouMean(unknown.constFirst(), optionNames(), QStringLiteral("--"), help);
-        *error = reason + QStringLiteral(": ") + hint;
+        *error = mistakeOf(parser) + QStringLiteral(": ") + hint;
         return false;
     }
     Reading reading(parser, options, error);

@@ -4,6 +4,8 @@
 #include "screenshots.h"
 #include "unit.h"
 
+#include "commandline/exitstatus.h"
+
 #include <QtCore/QCommandLineParser>
 #include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickItem>
@@ -11,6 +13,7 @@
 
 #include <cstdio>
 
+using namespace canbus;
 using namespace canbus::headunit;
 
 namespace {

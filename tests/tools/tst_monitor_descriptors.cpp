@@ -1,6 +1,6 @@
 #include "commandline/linereader.h"
+#include "commandline/stopsignals.h"
 #include "output.h"
-#include "stopsignals.h"
 
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QThread>
@@ -261,7 +261,7 @@ void tst_monitor_descriptors::aSignalMakesTheDescriptorReadable_data()
 void tst_monitor_descriptors::aSignalMakesTheDescriptorReadable()
 {
     QFETCH(int, signal);
-    const int descriptor = canbus::monitor::stopSignals::install();
+    const int descriptor = canbus::stopSignals::install({signal});
     QVERIFY(descriptor >= 0);
     QVERIFY(!isReadable(descriptor));
     QCOMPARE(std::raise(signal), 0);

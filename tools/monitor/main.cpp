@@ -1,11 +1,13 @@
-#include "exitstatus.h"
 #include "monitor.h"
 #include "options.h"
 #include "output.h"
 #include "playback.h"
 #include "standarderror.h"
-#include "stopsignals.h"
 #include "virtualclock.h"
+
+#include "commandline/arguments.h"
+#include "commandline/exitstatus.h"
+#include "commandline/stopsignals.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
@@ -31,14 +33,6 @@ void holdStandardDescriptors()
         ::close(descriptor);
 }
 
-QStringList argumentsOf(int argc, char *argv[])
-{
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments << QString::fromLocal8Bit(argv[i]);
-    return arguments;
-}
-
 int printAnswer(const QString &text, int stopDescriptor)
 {
     monitor::Output output(STDOUT_FILENO, stopDescriptor);
@@ -53,10 +47,10 @@ int main(int argc, char *argv[])
     holdStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN); // a recording that may not grow is an error like a full disk
-    const int stopDescriptor = monitor::stopSignals::install();
+    const int stopDescriptor = canbus::stopSignals::install({SIGINT, SIGTERM});
     // Read before there is an application object: a recording is read in a time of its own.
     std::setlocale(LC_ALL, "");
-    const auto options = monitor::parseOptions(argumentsOf(argc, argv));
+    const auto options = monitor::parseOptions(canbus::argumentsOf(argc, argv));
     const bool readsRecording = options && !options->readFile.isEmpty();
     if (readsRecording)
         monitor::VirtualClock::install();
@@ -65,7 +59,7 @@ int main(int argc, char *argv[])
 
     if (!options) {
         monitor::standardError::complain(options.error());
-        return monitor::kWrongArguments;
+        return canbus::kWrongArguments;
     }
     if (options->wantsHelp)
         return printAnswer(monitor::helpText().trimmed(), stopDescriptor);

@@ -1,8 +1,8 @@
 #include "monitor.h"
 
 #include "commandline/devicename.h"
+#include "commandline/exitstatus.h"
 #include "commandline/linereader.h"
-#include "exitstatus.h"
 #include "hostcontrols.h"
 #include "linkhints.h"
 #include "metamethods.h"

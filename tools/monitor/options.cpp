@@ -1,6 +1,7 @@
 #include "options.h"
 
-#include <QtCore/QCommandLineOption>
+#include "commandline/arguments.h"
+
 #include <QtCore/QCommandLineParser>
 #include <QtCore/QMap>
 
@@ -11,41 +12,28 @@ namespace canbus::monitor {
 
 namespace {
 
-QCommandLineOption option(const QString &name, const QString &description, const QString &valueName = {})
-{
-    return {name, description, valueName};
-}
-
 QList<QCommandLineOption> allOptions()
 {
     return {
-        option(QStringLiteral("port"), QStringLiteral("Serial device of the box (default /dev/ttyS3)."),
-               QStringLiteral("DEVICE")),
-        option(QStringLiteral("baud"), QStringLiteral("Bits per second (default 57600)."),
-               QStringLiteral("N")),
-        option(QStringLiteral("json"), QStringLiteral("Print one JSON object a line.")),
-        option(QStringLiteral("for"), QStringLiteral("End after this time (default: run until told to end)."),
-               QStringLiteral("SECONDS")),
-        option(QStringLiteral("screen"),
-               QStringLiteral("Show this screen once the link is up: gauges, vehicle, climate, parking or "
-                              "other."),
-               QStringLiteral("NAME")),
-        option(QStringLiteral("call"),
-               QStringLiteral("Call a control once the link is up; may be given several times."),
-               QStringLiteral("GROUP.CONTROL[=ARG,...]")),
-        option(QStringLiteral("record"),
-               QStringLiteral("Record what is received and sent, as pcapng; the file must be new or empty."),
-               QStringLiteral("FILE")),
-        option(QStringLiteral("read"),
-               QStringLiteral("Read a recording in the place of a port, and print what it holds."),
-               QStringLiteral("FILE")),
-        option(QStringLiteral("stats"),
-               QStringLiteral("Print the link's figures every 10 seconds and at the end, and each command's "
-                              "fate.")),
-        option(QStringLiteral("verbose"),
-               QStringLiteral("Write the library's debug lines to standard error.")),
-        option(QStringLiteral("help"), QStringLiteral("Print this and end.")),
-        option(QStringLiteral("version"), QStringLiteral("Print the version and end.")),
+        option("port", "Serial device of the box (default /dev/ttyS3).", "DEVICE"),
+        option("baud", "Bits per second (default 57600).", "N"),
+        option("json", "Print one JSON object a line."),
+        option("for", "End after this time (default: run until told to end).", "SECONDS"),
+        option("screen",
+               "Show this screen once the link is up: gauges, vehicle, climate, parking or "
+               "other.",
+               "NAME"),
+        option("call", "Call a control once the link is up; may be given several times.",
+               "GROUP.CONTROL[=ARG,...]"),
+        option("record", "Record what is received and sent, as pcapng; the file must be new or empty.",
+               "FILE"),
+        option("read", "Read a recording in the place of a port, and print what it holds.", "FILE"),
+        option("stats",
+               "Print the link's figures every 10 seconds and at the end, and each command's "
+               "fate."),
+        option("verbose", "Write the library's debug lines to standard error."),
+        option("help", "Print this and end."),
+        option("version", "Print the version and end."),
     };
 }
 
@@ -169,13 +157,6 @@ Outcome<Options> checkedOptions(const QCommandLineParser &parser)
     return options;
 }
 
-QString withoutFullStop(QString text)
-{
-    if (text.endsWith(QLatin1Char('.')))
-        text.chop(1);
-    return text;
-}
-
 } // namespace
 
 Outcome<Options> parseOptions(const QStringList &arguments)
@@ -183,7 +164,7 @@ Outcome<Options> parseOptions(const QStringList &arguments)
     QCommandLineParser parser;
     setUp(parser);
     if (!parser.parse(arguments))
-        return seeHelp(withoutFullStop(parser.errorText()));
+        return seeHelp(mistakeOf(parser));
     if (parser.isSet(QStringLiteral("help")) || parser.isSet(QStringLiteral("version")))
         return plainOptions(parser);
     return checkedOptions(parser);

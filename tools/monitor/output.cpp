@@ -1,6 +1,6 @@
 #include "output.h"
 
-#include "exitstatus.h"
+#include "commandline/exitstatus.h"
 #include "standarderror.h"
 
 #include <QtCore/qglobal.h>

@@ -1,6 +1,6 @@
 #include "playback.h"
 
-#include "exitstatus.h"
+#include "commandline/exitstatus.h"
 #include "hostcontrols.h"
 #include "linkhints.h"
 #include "reportlines.h"

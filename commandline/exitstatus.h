@@ -1,8 +1,8 @@
 #pragma once
 
-namespace canbus::monitor {
+namespace canbus {
 
-/// How the command ends.
+/// How a command ends.
 enum ExitStatus { kSuccess = 0, kFailure = 1, kWrongArguments = 2 };
 
-} // namespace canbus::monitor
+} // namespace canbus

@@ -5,7 +5,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace canbus::monitor::stopSignals {
+namespace canbus::stopSignals {
 
 namespace {
 
@@ -20,7 +20,7 @@ void wake(int)
 
 } // namespace
 
-int install()
+int install(std::initializer_list<int> stopping)
 {
     int ends[2];
     if (::pipe2(ends, O_CLOEXEC | O_NONBLOCK) != 0)
@@ -29,9 +29,9 @@ int install()
     struct sigaction action = {};
     action.sa_handler = wake;
     action.sa_flags = SA_RESTART;
-    ::sigaction(SIGINT, &action, nullptr);
-    ::sigaction(SIGTERM, &action, nullptr);
+    for (const int signal : stopping)
+        ::sigaction(signal, &action, nullptr);
     return ends[0];
 }
 
-} // namespace canbus::monitor::stopSignals
+} // namespace canbus::stopSignals
