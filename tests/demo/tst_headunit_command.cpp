@@ -5,6 +5,7 @@
 #include <QtTest>
 
 #include <pseudoterminal.h>
+#include <runnable.h>
 
 #include <algorithm>
 #include <csignal>
@@ -40,7 +41,8 @@ void start(QProcess *process, const QString &path, const QStringList &arguments,
     for (const QString &variable : environment)
         variables.insert(variable.section('=', 0, 0), variable.section('=', 1));
     process->setProcessEnvironment(variables);
-    process->start(path, arguments);
+    QStringList command = runnable(path) + arguments;
+    process->start(command.takeFirst(), command);
 }
 
 Ended run(const QString &path, const QStringList &arguments, const QStringList &environment = {})

@@ -23,6 +23,7 @@ from dissection import Tree, box
 from test_items import FRAMES
 
 BIN = Path(os.environ.get("CANBUS_BIN_DIR", "bin"))
+EMULATOR = [os.environ["CANBUS_EMULATOR"]] if "CANBUS_EMULATOR" in os.environ else []
 SOURCES = Path(__file__).resolve().parents[2]
 RECORDINGS = SOURCES / "tests" / "recordings"
 DRIVE = SOURCES / "scenarios" / "builtin-drive.json"
@@ -190,10 +191,15 @@ def signals_of(monitor_output: str) -> dict[str, list[Moment]]:
     return announced
 
 
+def runnable(name: str, *arguments: str) -> list[str]:
+    """One of the commands, by the emulator where it is for another machine."""
+    return [*EMULATOR, str(BIN / name), *arguments]
+
+
 def read_by_library(recording: Path) -> dict[str, list[Moment]]:
-    command = (str(BIN / "canbus-monitor"), "--read", str(recording), "--json")
-    done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, check=False, text=True)
-    assert done.returncode == 0, f"{command}: {done.stderr}"
+    words = runnable("canbus-monitor", "--read", str(recording), "--json")
+    done = subprocess.run(words, stdin=subprocess.DEVNULL, capture_output=True, check=False, text=True)
+    assert done.returncode == 0, f"{words}: {done.stderr}"
     return signals_of(done.stdout)
 
 
@@ -253,9 +259,9 @@ def record(folder: Path, seconds: int, *box_options: str) -> tuple[Path, list[di
     """A drive of the simulated box. @return the recording, and what the box has reported"""
     link, recording, reports = folder / "line", folder / "drive.pcapng", folder / "box.txt"
     drive = ("--scenario", str(DRIVE), "--speed", "5")
-    simulator = (str(BIN / "canbus-boxsim"), "--pty", str(link), "--json", *drive, *box_options)
+    simulator = runnable("canbus-boxsim", "--pty", str(link), "--json", *drive, *box_options)
     calls = [word for call in CALLS for word in ("--call", call)]
-    monitor = (str(BIN / "canbus-monitor"), "--port", str(link), "--record", str(recording))
+    monitor = runnable("canbus-monitor", "--port", str(link), "--record", str(recording))
     with Process(*simulator, output=reports) as process:
         wait_for_link(link, process, reports)
         with Process(*monitor, "--for", str(seconds), *calls, output=folder / "monitor.txt") as head_unit:

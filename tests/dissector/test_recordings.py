@@ -14,7 +14,7 @@ from pathlib import Path
 
 import dissection
 from dissection import Tree
-from test_library import BIN, RECORDINGS, read_by_dissector, record
+from test_library import RECORDINGS, read_by_dissector, record, runnable
 
 FROM_BOX = "1"
 ANSWERS = {"0x06": "receivedAcks", "0x15": "receivedNacks"}
@@ -34,9 +34,9 @@ def figure_of(tree: Tree) -> str | None:
 
 
 def counted_by_library(recording: Path) -> dict[str, int]:
-    command = (str(BIN / "canbus-monitor"), "--read", str(recording), "--json", "--stats")
-    done = subprocess.run(command, stdin=subprocess.DEVNULL, capture_output=True, check=False, text=True)
-    assert done.returncode == 0, f"{command}: {done.stderr}"
+    words = runnable("canbus-monitor", "--read", str(recording), "--json", "--stats")
+    done = subprocess.run(words, stdin=subprocess.DEVNULL, capture_output=True, check=False, text=True)
+    assert done.returncode == 0, f"{words}: {done.stderr}"
     reports = [json.loads(line) for line in done.stdout.splitlines()]
     last = [report["stats"] for report in reports if "stats" in report][-1]
     return {name: last[name] for name in FIGURES}

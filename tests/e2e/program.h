@@ -1,5 +1,7 @@
 #pragma once
 
+#include <runnable.h>
+
 #include <QtCore/QByteArray>
 #include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
@@ -21,7 +23,8 @@ public:
         environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
         environment.remove(QStringLiteral("LANGUAGE"));
         m_process.setProcessEnvironment(environment);
-        m_process.start(QStringLiteral(CANBUS_BIN_DIR "/") + name, arguments);
+        QStringList command = runnable(QStringLiteral(CANBUS_BIN_DIR "/") + name) + arguments;
+        m_process.start(command.takeFirst(), command);
     }
 
     ~Program()

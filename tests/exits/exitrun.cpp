@@ -2,6 +2,8 @@
 
 #include "traffic.h"
 
+#include <runnable.h>
+
 #include <QtCore/QDeadlineTimer>
 
 #include <csignal>
@@ -48,7 +50,7 @@ bool ExitRun::isPlanned(const char *name, const char *value) const
 void ExitRun::start()
 {
     m_clock.start();
-    QStringList command = m_limits.wrapper + QStringList {QStringLiteral(CANBUS_EXITHOST)};
+    QStringList command = m_limits.wrapper + runnable(QStringLiteral(CANBUS_EXITHOST));
     command += argumentsOf(m_plan);
     QFile::link(m_line.name(), link());
     command += QStringLiteral("port=") + link();

@@ -15,9 +15,6 @@ endfunction()
 # canbus_watch_for_races(NAME SOURCES...)
 function(canbus_watch_for_races name)
   canbus_report_races_of(${name})
-  # Here they take several times as long: for ctest, and for QtTest, which gives each function five minutes.
-  set_tests_properties(${name} PROPERTIES TIMEOUT 1500)
-  set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT "QTEST_FUNCTION_TIMEOUT=1500000")
 
   # The tests that make threads name them, or a rig that has one; those of the commands, which have theirs, are few.
   foreach(source IN LISTS ARGN)

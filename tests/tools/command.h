@@ -1,5 +1,7 @@
 #pragma once
 
+#include <runnable.h>
+
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QTemporaryDir>
@@ -20,7 +22,8 @@ public:
         environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C")); // the system's errors in English
         environment.remove(QStringLiteral("LANGUAGE"));
         process.setProcessEnvironment(environment);
-        process.start(program, arguments);
+        QStringList command = runnable(program) + arguments;
+        process.start(command.takeFirst(), command);
         if (!process.waitForStarted(kWaitMs))
             qFatal("the command does not start");
     }

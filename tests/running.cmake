@@ -1,0 +1,42 @@
+# How tests are run, here or as programs of another machine.
+
+# How many times longer they may take than where nothing slows them down.
+set(CANBUS_TEST_PATIENCE 1)
+if(CMAKE_CROSSCOMPILING OR CANBUS_SANITIZE STREQUAL "thread")
+  set(CANBUS_TEST_PATIENCE 5)
+endif()
+
+# In a cross build ctest starts the tests in the emulator, and they start programs of the build by this script: one
+# word, which becomes the emulator's own process. What they build themselves is for the target too.
+set(CANBUS_TEST_ENVIRONMENT "")
+if(CMAKE_CROSSCOMPILING)
+  list(APPEND CANBUS_TEST_ENVIRONMENT
+    "CMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}" "CANBUS_SYSROOT=${CMAKE_SYSROOT}")
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "' '" canbus_emulator_words)
+    file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/emulator"
+      CONTENT "#!/bin/sh\nexec '${canbus_emulator_words}' \"$@\"\n"
+      FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+    list(APPEND CANBUS_TEST_ENVIRONMENT "CANBUS_EMULATOR=${PROJECT_BINARY_DIR}/emulator")
+  else()
+    message(WARNING "There is no emulator for the tests: they are built, and do not run here. On Debian it is in qemu-user")
+  endif()
+endif()
+if(CANBUS_TEST_PATIENCE GREATER 1)
+  # QtTest gives each function five minutes.
+  math(EXPR canbus_function_limit_ms "300000 * ${CANBUS_TEST_PATIENCE}")
+  list(APPEND CANBUS_TEST_ENVIRONMENT
+    "QTEST_FUNCTION_TIMEOUT=${canbus_function_limit_ms}" "CANBUS_TEST_PATIENCE=${CANBUS_TEST_PATIENCE}")
+endif()
+if(CANBUS_SANITIZE STREQUAL "address")
+  list(APPEND CANBUS_TEST_ENVIRONMENT
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0")
+endif()
+
+# canbus_run_test(NAME SECONDS [VARIABLE=VALUE...]): how each test that was added is run. So long may it take where
+# nothing slows it down, and with these variables in its environment, which come after those of all tests.
+function(canbus_run_test name seconds)
+  math(EXPR limit "${seconds} * ${CANBUS_TEST_PATIENCE}")
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${limit})
+  set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT ${CANBUS_TEST_ENVIRONMENT} ${ARGN})
+endfunction()
