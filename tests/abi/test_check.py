@@ -1,0 +1,182 @@
+"""packaging/abi/check.sh refuses what breaks a program, tells of what is new, and passes what is as it was.
+
+Headers are changed in a copy of the installed ones; a library of one file stands for the real one, which would
+take half a minute to build each time.
+"""
+
+from __future__ import annotations
+
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+ABI = ROOT / "packaging" / "abi"
+BUILD = Path(os.environ.get("CANBUS_BUILD_DIR", ROOT / "build" / "dev"))
+
+LIBRARY = """
+namespace canbus {
+class __attribute__((visibility("default"))) Port {
+public:
+    bool open(int rate);
+    void close();
+    int rate = 0;
+};
+bool Port::open(int newRate) { rate = newRate; return rate > 0; }
+void Port::close() { rate = 0; }
+}
+"""
+
+
+class Case(unittest.TestCase):
+    def setUp(self) -> None:
+        self.folder = Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.headers = self.folder / "include"
+        shutil.copytree(Case.installed, self.headers)
+        self.baseline = self.folder / "baseline"
+        shutil.copytree(Case.baseline_of_library, self.baseline)
+        self.library = Case.compiled
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        if hasattr(Case, "installed"):
+            return
+        common = tempfile.TemporaryDirectory()
+        unittest.addModuleCleanup(common.cleanup)
+        folder = Path(common.name)
+        install = ["cmake", "--install", str(BUILD), "--component", "Development", "--prefix", str(folder)]
+        subprocess.run(install, check=True, capture_output=True)
+        Case.installed = folder / "include" / "canbusservice"
+        Case.compiled = compile_library(folder, LIBRARY)
+        Case.baseline_of_library = folder / "baseline"
+        Case.baseline_of_library.mkdir()
+        run_check(Case.baseline_of_library, Case.compiled, Case.installed, "--update")
+        shutil.copy(ABI / "types.xml", Case.baseline_of_library)
+
+    def check(self, *options: str) -> tuple[int, str]:
+        return run_check(self.baseline, self.library, self.headers, *options)
+
+    def change_header(self, name: str, old: str, new: str) -> None:
+        header = self.headers / name
+        text = header.read_text()
+        self.assertEqual(text.count(old), 1, f"{old!r} is to stand in {name} once")
+        header.write_text(text.replace(old, new))
+
+    def change_library(self, old: str, new: str, more: str = "") -> None:
+        self.assertIn(old, LIBRARY)
+        self.library = compile_library(self.folder, LIBRARY.replace(old, new) + more)
+
+    def assert_broken(self, *told: str) -> None:
+        status, output = self.check()
+        self.assertEqual(status, 1, output)
+        self.assertIn("THE INTERFACE IS BROKEN", output)
+        for text in told:
+            self.assertIn(text, output)
+
+
+def compile_library(folder: Path, source: str) -> Path:
+    library = folder / "libport.so"
+    command = ["c++", "-g", "-fPIC", "-shared", "-x", "c++", "-", "-Wl,-soname,libport.so.1", "-o", str(library)]
+    subprocess.run(command, input=source, text=True, check=True)
+    return library
+
+
+def run_check(baseline: Path, library: Path, headers: Path, *options: str) -> tuple[int, str]:
+    command = [str(ABI / "check.sh"), "--baseline", str(baseline), "--library", str(library)]
+    command += ["--headers", str(headers), *options]
+    done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    return done.returncode, done.stdout
+
+
+class Functions(Case):
+    def test_an_unchanged_interface_passes(self) -> None:
+        status, output = self.check()
+        self.assertEqual((status, "the interface is the committed one" in output), (0, True), output)
+
+    def test_a_function_that_is_gone(self) -> None:
+        self.change_library("void Port::close() { rate = 0; }", "")
+        self.assert_broken("void canbus::Port::close()")
+
+    def test_a_result_of_another_type(self) -> None:
+        self.change_library("bool ", "int ")
+        self.assert_broken("bool canbus::Port::open(int)", "int canbus::Port::open(int)")
+
+    def test_an_argument_more(self) -> None:
+        self.change_library("close()", "close(int)")
+        self.assert_broken("void canbus::Port::close()")
+
+    def test_a_function_more_is_told_as_growth_and_passes_once_it_is_written_down(self) -> None:
+        self.change_library("void close();", "void close(); void flush();", "void canbus::Port::flush() {}")
+        status, output = self.check()
+        self.assertEqual(status, 1, output)
+        self.assertIn("void canbus::Port::flush()", output)
+        self.assertIn("The interface has grown", output)
+        self.assertNotIn("BROKEN", output)
+        self.check("--update")
+        self.assertEqual(self.check()[0], 0)
+
+    def test_another_name_of_the_library(self) -> None:
+        functions = self.baseline / "functions.txt"
+        functions.write_text(functions.read_text().replace("libport.so.1", "libport.so.0"))
+        self.assert_broken("SONAME libport.so.0")
+
+
+class Types(Case):
+    def test_a_member_more_in_an_exported_class(self) -> None:
+        self.change_header("canbusplayer.h", "CanBusPlayerPrivate *d;", "CanBusPlayerPrivate *d;\n    int more = 0;")
+        self.assert_broken("class canbus::CanBusPlayer", "type size changed from 256 to 320")
+
+    def test_members_in_another_order(self) -> None:
+        self.change_header("canbusplayer.h", "bool minus = false;", "bool turned = false;")
+        self.change_header("canbusplayer.h", "bool plus = false;", "bool minus = false;")
+        self.change_header("canbusplayer.h", "bool turned = false;", "bool plus = false;")
+        self.assert_broken("canbus::CanBusPlayer::TextScreen", "offset changed")
+
+    def test_a_member_with_another_name(self) -> None:
+        self.change_header("linkhealth.h", "quint64 givenUp = 0;", "quint64 dropped = 0;")
+        self.assert_broken("canbus::LinkFigures", "givenUp", "dropped")
+
+    def test_a_virtual_operation_more(self) -> None:
+        self.change_header("canbusprotocol.h", "virtual LinkHealth *linkHealth() const;",
+                           "virtual void flush();\n    virtual LinkHealth *linkHealth() const;")
+        self.assert_broken("canbus::CanbusProtocol::flush", "stand in other places")
+
+    def test_an_enumerator_with_another_value(self) -> None:
+        self.change_header("linkhealth.h", "GivenUp, ", "GivenUp = 7, ")
+        self.assert_broken("canbus::LinkHealth::Fate", "from value '2' to '7'")
+
+    def test_an_enumerator_more_at_the_end(self) -> None:
+        self.change_header("linkhealth.h", "NotAccepted,  ", "NotAccepted,\n        Lost, ")
+        self.assert_broken("Fate::Lost")
+
+    def test_an_exported_class_that_is_not_looked_at(self) -> None:
+        with (self.headers / "linkhealth.h").open("a") as header:
+            header.write("class CANBUS_EXPORT Unseen { int m_value; };\n")
+        status, output = self.check()
+        self.assertEqual(status, 1, output)
+        self.assertIn("interface.cpp does not use Unseen", output)
+
+
+class Arguments(unittest.TestCase):
+    def test_wrong_ones_end_with_2(self) -> None:
+        for arguments in (["--what"], ["--library"], ["--library", "/nowhere/lib.so"]):
+            with self.subTest(arguments):
+                done = subprocess.run([str(ABI / "check.sh"), *arguments], capture_output=True, text=True)
+                self.assertEqual(done.returncode, 2, done.stderr)
+                self.assertEqual(done.stderr.count("\n"), 1)
+
+    def test_a_library_without_debug_information_is_refused(self) -> None:
+        with tempfile.TemporaryDirectory() as folder:
+            library = compile_library(Path(folder), LIBRARY)
+            subprocess.run(["strip", "--strip-debug", str(library)], check=True)
+            status, output = run_check(ABI, library, Path(folder))
+        self.assertEqual(status, 1)
+        self.assertIn("no debug information", output)
+
+
+if __name__ == "__main__":
+    unittest.main()
