@@ -124,7 +124,7 @@ PROOFS = {
     "mutate": Proof("mutation", "./dev mutate", mutation, mutation_arguments, mutation_extent),
     "exits": Proof("exits in the middle of traffic", "./dev exits",
                    by_outcome("{count:,} exits, ", "none bad", "some bad"),
-                   lambda result: f"{result['instrument']} {result['count']}".strip(),
+                   lambda result: f"{result.get('instrument', '')} {result['count']}".strip(),
                    lambda result: (result["count"],)),
     "bench": Proof("what it costs", "./dev bench", bench, bench_arguments,
                    lambda result: (result["only"] is None, result["long"])),

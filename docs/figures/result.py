@@ -5,8 +5,9 @@ usage: result.py begin PROOF
        result.py end PROOF STATUS [KEY=VALUE]... [--junit FILE]...
 
 `begin` notes commit, time and whether the tree was clean, and that the run has not ended: so it stays when the run is
-killed. `end` adds whether it has passed, which STATUS 0 says, and the figures. A VALUE is JSON, or else a text; a
-dotted KEY is one within another. --junit adds the counts of such a file of ctest's.
+killed. `end` adds whether it has passed, which STATUS 0 says, and the figures. A VALUE is JSON, or else a text; an
+empty one is a figure that could not be had, and is left out. A dotted KEY is one within another. --junit adds the
+counts of such a file of ctest's.
 """
 import argparse
 import datetime
@@ -94,8 +95,9 @@ def end(root, folder, proof, status, figures, junit):
     result = {"outcome": "failed" if status else "passed", **origin}
     if junit:
         result.update(junit_counts(junit))
-    for text in figures:
-        add(result, *figure(text))
+    for key, value in map(figure, figures):
+        if value != "":
+            add(result, key, value)
     store(folder, proof, result)
 
 

@@ -98,6 +98,9 @@ class Rows(unittest.TestCase):
             "simulate", failed(wanted=10000, seeds=400, broken=10),
             "| whole link, simulated | **FAILED**: 10 of 400 seeds broke a rule | `./dev simulate 10000` | "
             "2026-03-04, `0123456789` |"),
+        "a simulation that crashed": (
+            "simulate", failed(wanted=10000), "| whole link, simulated | **FAILED**: broke off before it had counted "
+            "anything | `./dev simulate 10000` | 2026-03-04, `0123456789` |"),
         "hours": (
             "hours", passed(hours=24), "| memory over time | 24 hours of virtual time, memory flat | "
             "`./dev simulate --hours 24` | 2026-03-04, `0123456789` |"),
@@ -124,7 +127,7 @@ class Rows(unittest.TestCase):
             "bench", passed(met=6, missed=[], as_baseline=None, only="times", long=False),
             "| what it costs | 6 goals met | `./dev bench --only times` | 2026-03-04, `0123456789` |"),
         "exits": (
-            "exits", passed(count=1000, instrument=""), "| exits in the middle of traffic | 1,000 exits, none bad | "
+            "exits", passed(count=1000), "| exits in the middle of traffic | 1,000 exits, none bad | "
             "`./dev exits 1000` | 2026-03-04, `0123456789` |"),
         "bad exits under an instrument": (
             "exits", failed(count=50, instrument="--valgrind"),
@@ -171,7 +174,7 @@ class Merging(unittest.TestCase):
     def test_a_smaller_run_without_findings_is_not_taken(self):
         self.assert_kept("simulate", simulated(EARLIER, 10000), simulated(LATER, 500))
         self.assert_kept("hours", passed(hours=24), passed(LATER, hours=2))
-        self.assert_kept("exits", passed(count=1000, instrument=""), passed(LATER, count=60, instrument=""))
+        self.assert_kept("exits", passed(count=1000), passed(LATER, count=60))
         self.assert_kept("races", passed(**TESTS, short=False), passed(LATER, **TESTS, short=True))
         self.assert_kept("fuzz", fuzzed(EARLIER, stream=10, texts=10), fuzzed(LATER, stream=99, texts=9))
         self.assert_kept("fuzz", fuzzed(EARLIER, stream=10, texts=10), fuzzed(LATER, stream=9999))
@@ -343,7 +346,7 @@ class Results(InAFolder):
         begun = self.left()
         self.end(0, ["hours=24", "findings.stream=2", "missed=[\"a\"]", "instrument=--asan", "wanted="])
         self.assertEqual(self.left(), {**begun, "outcome": "passed", "hours": 24, "findings": {"stream": 2},
-                                       "missed": ["a"], "instrument": "--asan", "wanted": ""})
+                                       "missed": ["a"], "instrument": "--asan"})
 
     def test_a_status_is_a_failure(self):
         self.begin()

@@ -66,8 +66,9 @@ if [ "$hours" ]; then
 else
     "${simulate[@]}" "$seeds" | tee "$output" || status=$?
     held=$(figure 'every rule held for N seeds')
-    broken=$(figure 'N of [0-9]+ seeds broke a rule')
-    figures=("wanted=$seeds" "seeds=${held:-$(figure '[0-9]+ of N seeds broke a rule')}" "broken=${broken:-0}")
+    broken=${held:+0}
+    figures=("wanted=$seeds" "seeds=${held:-$(figure '[0-9]+ of N seeds broke a rule')}"
+        "broken=${broken:-$(figure 'N of [0-9]+ seeds broke a rule')}")
 fi
 "$root/docs/figures/result.py" end "$proof" "$status" "${figures[@]}"
 exit "$status"
