@@ -1,0 +1,161 @@
+"""Names in backticks: files and folders exist, and so does every class, operation, member, option and variable."""
+
+import functools
+import pathlib
+import re
+
+# Kinds of files whose names may stand without a folder.
+_EXTENSIONS = (".h .cpp .md .json .sh .py .qml .txt .lua .cmake .pcapng .dot .svg .html .qmltypes .yaml .xml "
+               ".supp .bb .install .symbols .abi .ini .trace .pc .1").split()
+# What a span begins with that the checker of commands looks at.
+COMMAND = re.compile(r"^([A-Z][A-Z0-9_]*=\S* )*(\./dev|canbus-[a-z]+|ctest|cmake|c\+\+|man|git|gdb|grep|valgrind|tshark|"
+                     r"wireshark|sudo|apt-get|callgrind_annotate|dpkg|lintian|bash|python3|\S+\.sh|\S+\.py|build/\S+)( |$)")
+_TOKEN = re.compile(r"(?<![\w.\-/])~?[A-Za-z_]\w*(?:::~?\w+)*")
+_IDENTIFIER = re.compile(r"[A-Za-z_]\w*")
+_SKIPPED = {".git", "build", "__pycache__"}
+
+
+def files(root):
+    """Every file of the tree, relative to its root, but what a build or a version control has made."""
+    found = []
+    for path in pathlib.Path(root).rglob("*"):
+        parts = path.relative_to(root).parts
+        if not _SKIPPED.intersection(parts) and path.is_file():
+            found.append(path.relative_to(root))
+    return found
+
+
+def _code(path):
+    """A source without its comments: what stands in a comment alone is no name."""
+    text = path.read_text(encoding="utf-8", errors="ignore")
+    if path.suffix in (".h", ".cpp", ".qml"):
+        text = re.sub(r"//[^\n]*|/\*.*?\*/", " ", text, flags=re.DOTALL)
+    return text
+
+
+class Vocabulary:
+    """All names that the project's sources have, and where."""
+
+    def __init__(self, root, further=()):
+        self.root = pathlib.Path(root)
+        self.files = files(root)
+        self.names = {path.name for path in self.files}
+        self.folders = {parent for path in self.files for parent in path.parents}
+        self.words = set()
+        self.by_file = {}
+        for path in self.files:
+            if path.suffix in (".md", ".png", ".pcapng") or path.parts[:2] == ("tests", "docs") or "corpus" in path.parts:
+                continue
+            words = set(_IDENTIFIER.findall(_code(self.root / path)))
+            self.by_file[path] = words
+            self.words |= words
+            self.words.add(path.stem)
+        self.words.update(further)
+
+    @functools.lru_cache(maxsize=None)
+    def has_member(self, owner, member):
+        """Whether a file that has the one has the other too."""
+        return any(owner in words and member in words for path, words in self.by_file.items()
+                   if path.suffix in (".h", ".cpp", ".qml", ".py", ".txt", ".in"))
+
+    def has(self, name):
+        """Whether the sources have this name, A::b among them."""
+        owners = [part.lstrip("~") for part in name.split("::")]
+        if any(part not in self.words for part in owners):
+            return False
+        return all(self.has_member(a, b) for a, b in zip(owners, owners[1:]))
+
+    def has_prefix(self, prefix):
+        """Whether a name of the sources begins so."""
+        return any(word.startswith(prefix) for word in self.words)
+
+    def has_path(self, name, folder):
+        """Whether a file or folder is there: from the root, from the document's folder, or by its bare name."""
+        pattern = re.sub(r"\b(NAME|TARGET|FOLDER|FILE|PRESET|ARCH)\b", "*", name.rstrip("/"))
+        if name.endswith("/") and "/" not in pattern:
+            return any(folder.name == pattern for folder in self.folders)
+        if "/" not in pattern and "*" not in pattern:
+            return pattern in self.names or pathlib.Path(pattern) in self.folders or (self.root / folder / pattern).exists()
+        if "/" not in pattern:
+            return any(path.match(pattern) for path in self.files)
+        candidates = {*self.files, *self.folders}
+        return any(self._fits(path, pattern) for path in candidates) or (self.root / folder / pattern).exists()
+
+    @staticmethod
+    def _fits(path, pattern):
+        # From the root, or the last parts of a path below src, as sources include it.
+        return len(path.parts) in (pattern.count("/") + 1, pattern.count("/") + 2) and path.match(pattern)
+
+
+def is_path(text):
+    """Whether a span is the name of a file or a folder."""
+    if not re.fullmatch(r"[\w.*{}~$<>\-/+]+", text) or re.fullmatch(r"[\d./*+\-]+", text):
+        return False
+    return "/" in text.strip("/") or text.endswith("/") or any(
+        text.endswith(extension) and len(text) > len(extension) for extension in _EXTENSIONS if not extension.endswith(".1"))
+
+
+def _is_name(token, span):
+    """Whether a token of a span is to be looked up: not a plain word, a byte or a value."""
+    if token == span:
+        return len(token) > 2 and not re.fullmatch(r"[0-9A-Fa-f]{2,4}|[A-Z]{1,8}", token)
+    return ("::" in token or "_" in token or re.search(r"[a-z][A-Z]", token) is not None
+            or re.search(re.escape(token) + r"\(", span) is not None) and len(token) > 2
+
+
+def unknown(text, vocabulary, folder="."):
+    """The names of a span that the project does not have."""
+    if COMMAND.match(text) and not re.fullmatch(r"[\w.\-/]+", text):
+        return []
+    if is_path(text):
+        if text.startswith(("/", "~", "build/", "$")):
+            return []
+        return [] if vocabulary.has_path(text, folder) else [text]
+    if re.fullmatch(r"[\w:]+\*", text):
+        return [] if vocabulary.has_prefix(text[:-1].split("::")[-1]) else [text]
+    found = []
+    for token in _TOKEN.findall(text):
+        prefix = re.sub(r"(NAME|TARGET)$", "", token)
+        if prefix != token and vocabulary.has_prefix(prefix):
+            continue
+        if _is_name(token, text.removesuffix("()")) and not vocabulary.has(token):
+            found.append(token)
+    return found
+
+
+def exceptions(path):
+    """The names that are let pass, each with its reason: "NAME | REASON"."""
+    known = {}
+    for number, line in enumerate(pathlib.Path(path).read_text(encoding="utf-8").splitlines(), 1):
+        if line.strip() and not line.startswith("#"):
+            name, separator, reason = (part.strip() for part in line.partition("|"))
+            if not separator or not reason:
+                raise ValueError(f"{path}:{number}: an exception is NAME | REASON")
+            known[name] = reason
+    return known
+
+
+def labels(root):
+    """The texts of the drawings, as spans of documents."""
+    for path in sorted((pathlib.Path(root) / "docs/diagrams").glob("*.dot")):
+        text = path.read_text(encoding="utf-8")
+        for found in re.finditer(r'label="([^"]+)"', text):
+            yield path.name, text.count("\n", 0, found.start()) + 1, found[1].replace("\\n", " ")
+
+
+def check(root, documents, allowed, further=()):
+    """What the documents name and the project does not have; and exceptions that nobody needs."""
+    vocabulary = Vocabulary(root, further)
+    findings, used = [], set()
+    for document in documents:
+        folder = pathlib.Path(document.name).parent
+        for span in document.code:
+            for name in unknown(span.text, vocabulary, folder):
+                if name in allowed:
+                    used.add(name)
+                else:
+                    findings.append(f"{document.name}:{span.line}: `{span.text}`: there is no {name}")
+    findings += [f"{name}:{line}: {text}: there is no {token}" for name, line, text in labels(root)
+                 for token in _TOKEN.findall(text) if ("::" in token or token + "(" in text) and not vocabulary.has(token)]
+    findings += [f"exceptions.txt: no document names {name} any more" for name in allowed if name not in used]
+    return findings

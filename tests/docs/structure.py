@@ -1,0 +1,79 @@
+"""The drawing of the structure against the sources: its arrows are the includes, its products those that are used."""
+
+import dataclasses
+import pathlib
+import re
+
+import includes
+
+_NODE = re.compile(r"^\s*(\w+)\s*\[(.*?)\]\s*$", re.MULTILINE | re.DOTALL)
+_EDGE = re.compile(r"^\s*(\w+)\s*->\s*(\w+)[ \t]*(?:\[(.*)\])?$", re.MULTILINE)
+_COMMENT = re.compile(r'comment="([^"]*)"')
+
+
+@dataclasses.dataclass
+class Drawing:
+    """What docs/diagrams/structure.dot says."""
+
+    arrows: dict  # {(from, to): drawn dashed}
+    frames: dict  # {frame: its parts}
+    products: dict  # {folder of headers: the parts that use it}
+
+
+def read(text):
+    """The arrows, frames and products of the source of the drawing."""
+    text = re.sub(r"^\s*//.*$", "", text, flags=re.MULTILINE)
+    frames, products = {}, {}
+    for name, attributes in _NODE.findall(text):
+        comment = _COMMENT.search(attributes)
+        if comment and ":" in comment[1]:
+            folder, parts = comment[1].split(":")
+            products[folder] = set(parts.split())
+        elif comment:
+            frames[name] = set(comment[1].split())
+    arrows = {}
+    for start, end, attributes in _EDGE.findall(text.partition("edge [class=outside")[0]):
+        for edge in [(start, end)] + ([(end, start)] if "dir=both" in attributes else []):
+            arrows[edge] = "style=dashed" in attributes
+    return Drawing(arrows, frames, products)
+
+
+def _of_parts(drawing):
+    """The arrows with each frame taken for its parts: {(from, to): dashed}."""
+    arrows = {}
+    for (start, end), dashed in drawing.arrows.items():
+        for one in drawing.frames.get(start, {start}):
+            for other in drawing.frames.get(end, {end}):
+                arrows[one, other] = (dashed, (start, end))
+    return arrows
+
+
+def _arrow_findings(drawing, edges):
+    arrows = _of_parts(drawing)
+    for edge in sorted(edges.keys() - arrows.keys()):
+        yield f"{edge[0]} includes {edge[1]}, and no arrow says so"
+    for edge in sorted(arrows.keys() - edges.keys()):
+        yield f"an arrow says that {edge[0]} includes {edge[1]}, and it does not"
+    for drawn, dashed in drawing.arrows.items():
+        kinds = set().union(*(edges.get(edge, set()) for edge, of in arrows.items() if of[1] == drawn))
+        if dashed and "h" in kinds:
+            yield f"{drawn[0]} includes {drawn[1]} in a header too, and the arrow is dashed"
+        if not dashed and "h" not in kinds:
+            yield f"{drawn[0]} includes {drawn[1]} in .cpp files alone, and the arrow is not dashed"
+
+
+def _product_findings(drawing, used):
+    everywhere = set(includes.PARTS.values())
+    for folder in sorted(used.keys() | drawing.products.keys()):
+        drawn = drawing.products.get(folder, set())
+        missing = used.get(folder, set()) ^ (everywhere if drawn == {"all"} else drawn)
+        if missing:
+            yield f"{folder}: drawn and included differ in {', '.join(sorted(missing))}"
+
+
+def check(root):
+    """What the drawing says and the sources do not, and the other way round."""
+    source = pathlib.Path(root) / "docs/diagrams/structure.dot"
+    drawing = read(source.read_text(encoding="utf-8"))
+    findings = [*_arrow_findings(drawing, includes.edges(root)), *_product_findings(drawing, includes.products(root))]
+    return [f"structure.dot: {finding}" for finding in findings]
