@@ -3,7 +3,6 @@
 #include "commandline/complaint.h"
 #include "commandline/exitstatus.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QMap>
 #include <QtCore/QRegularExpression>

@@ -11,7 +11,7 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
 #include <QtQuick/QQuickItem>
-#include <QtQuick/QQuickView>
+#include <QtQuick/QQuickWindow>
 
 #include <clocale>
 #include <csignal>

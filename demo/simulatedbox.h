@@ -3,7 +3,6 @@
 #include "boxsim/setup.h"
 
 #include <QtCore/QSemaphore>
-#include <QtCore/QStringList>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
 

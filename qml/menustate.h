@@ -2,7 +2,6 @@
 
 #include "state.h"
 
-#include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QVariantList>
 

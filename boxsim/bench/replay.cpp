@@ -4,7 +4,6 @@
 #include "wireconstants.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace boxsim {
 

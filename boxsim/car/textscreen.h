@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QtCore/QByteArray>
-#include <QtCore/QString>
 #include <QtCore/QStringList>
 
 #include <array>

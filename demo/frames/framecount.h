@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QtCore/QString>
-#include <QtCore/QVector>
 
 #include <atomic>
 

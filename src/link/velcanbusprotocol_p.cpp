@@ -1,6 +1,7 @@
 #include "velcanbusprotocol_p.h"
 
 #include <QtCore/QMetaObject>
+#include <QtCore/QThread>
 
 #include <algorithm>
 #include <utility>

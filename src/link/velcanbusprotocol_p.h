@@ -8,7 +8,6 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QMutex>
-#include <QtCore/QThread>
 #include <QtCore/QTimer>
 
 #include <atomic>

@@ -32,7 +32,6 @@
 #include <srcdsplctrl.h>
 #include <touchevent.h>
 
-#include <algorithm>
 #include <iterator>
 
 namespace canbus {

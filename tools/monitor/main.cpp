@@ -10,7 +10,6 @@
 #include "commandline/stopsignals.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QStringList>
 
 #include <clocale>
 #include <csignal>
