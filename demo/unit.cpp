@@ -2,7 +2,8 @@
 
 #include "dialface.h"
 #include "errors.h"
-#include "port.h"
+
+#include "commandline/facadeport.h"
 
 #include <QtCore/QDir>
 #include <QtGui/QFontDatabase>
@@ -64,9 +65,12 @@ bool Unit::start(QString *error)
 {
     if (m_options.simulates && !startBox(error))
         return false;
-    m_protocol = openPort(m_options.port, m_options.baud, error);
-    if (!m_protocol)
+    m_protocol = std::make_unique<VelCanBusProtocol>();
+    if (!openFacadePort(m_options.port, m_options.baud, m_protocol.get())) {
+        *error = facadePortError(m_options.port, m_options.baud,
+                                 QStringLiteral("name the box's device with --port, or take --simulate"));
         return false;
+    }
     if (!m_options.screenshots.isEmpty())
         m_host.setFollowsBox(false);
     qmlRegisterSingletonInstance(kModule, 1, 0, "Host", &m_host);

@@ -1,7 +1,7 @@
 #include "monitor.h"
 
-#include "commandline/devicename.h"
 #include "commandline/exitstatus.h"
+#include "commandline/facadeport.h"
 #include "commandline/linereader.h"
 #include "hostcontrols.h"
 #include "linkhints.h"
@@ -14,10 +14,8 @@
 #include "targets.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QMetaMethod>
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
-#include <QtSerialPort/QSerialPort>
 
 #include <canbusplayer.h>
 #include <velcanbusprotocol.h>
@@ -34,28 +32,6 @@ using standardError::complain;
 
 constexpr int kStatsIntervalMs = 10000;
 constexpr int kPortIntervalMs = 200;
-
-/// Why a port does not open, and what to do about it. Asked only after the library has failed to open it.
-QString openError(const QString &device, int baud)
-{
-    QSerialPort port(device);
-    port.setBaudRate(baud);
-    if (port.open(QIODevice::ReadWrite))
-        return QStringLiteral("it was not free a moment ago: try again");
-    return QStringLiteral("%1: name the box's device with --port").arg(port.errorString());
-}
-
-/// Whether the facade has joined itself to the protocol: it does so if it could open the port, and has no
-/// other way of telling. Asked from outside, since a derived protocol would be half gone when the parser
-/// thread ends.
-bool isJoined(const VelCanBusProtocol &protocol)
-{
-    struct Peek : QObject {
-        using QObject::isSignalConnected;
-    };
-    const auto isConnected = &Peek::isSignalConnected;
-    return (protocol.*isConnected)(QMetaMethod::fromSignal(&CanbusProtocol::notifyCanbusStatus));
-}
 
 } // namespace
 
@@ -111,9 +87,8 @@ void Monitor::start()
     if (!m_isOpen) {
         if (m_recorder)
             m_recorder->discard();
-        complain(QStringLiteral("cannot open %1 at %2 baud: %3")
-                     .arg(deviceTried(m_options.port), QString::number(m_options.baud),
-                          openError(m_options.port, m_options.baud)));
+        complain(facadePortError(m_options.port, m_options.baud,
+                                 QStringLiteral("name the box's device with --port")));
         end(kFailure);
         return;
     }
@@ -159,12 +134,10 @@ int Monitor::closeRecording(int status)
 
 bool Monitor::openPort()
 {
-    CanBusPlayer::instance()->setUartPort(m_options.port, m_options.baud);
     m_protocol = std::make_unique<VelCanBusProtocol>();
     if (m_recorder)
         Recorder::start(m_recorder, m_protocol.get());
-    CanBusPlayer::instance()->init(m_protocol.get());
-    return isJoined(*m_protocol);
+    return openFacadePort(m_options.port, m_options.baud, m_protocol.get());
 }
 
 void Monitor::startStats()
