@@ -65,3 +65,9 @@ def products(root):
                 if re.match(r"Qt[A-Z]\w*/|rapidjson/", name):
                     found.setdefault(name.split("/")[0], set()).add(part)
     return found
+
+
+def folders_included(root, folder):
+    """The folders whose headers the files of a folder include by their whole names."""
+    names = {name for path in sources(root, folder) for name in _INCLUDE.findall(path.read_text(encoding="utf-8"))}
+    return {str(pathlib.PurePath(name).parent) for name in names if "/" in name}

@@ -164,8 +164,10 @@ class DocumentRun:
         if how.startswith("long"):
             stand_in = how.partition(": ")[2]
             return (text, "") if self._whole else (stand_in or None, "" if stand_in else how)
-        if how.startswith("needs "):
-            return (text, "") if shutil.which(how.split()[1]) else (None, how)
+        program = how.removeprefix("needs ") if how.startswith("needs ") else None
+        if program:
+            required = os.environ.get(f"CANBUS_REQUIRE_{program.upper()}")
+            return (text, "") if required or shutil.which(program) else (None, how)
         if how and not how.startswith(("until ", "background ")):
             return None, how
         return text, how

@@ -71,9 +71,22 @@ def _product_findings(drawing, used):
             yield f"{folder}: drawn and included differ in {', '.join(sorted(missing))}"
 
 
+def _box_findings(root):
+    """The table of the simulated box's folders: each knows those above it alone."""
+    page = (pathlib.Path(root) / "docs/architecture.md").read_text(encoding="utf-8")
+    order = re.findall(r"^\| `(boxsim/\w+)` \|", page, re.MULTILINE)
+    for folder in sorted(path for path in (pathlib.Path(root) / "boxsim").glob("*/") if includes.sources(root, path)):
+        if f"boxsim/{folder.name}" not in order:
+            yield f"boxsim/{folder.name} is in no row of architecture.md"
+    for place, folder in enumerate(order):
+        for other in sorted(includes.folders_included(root, folder)):
+            if other in order and order.index(other) > place:
+                yield f"{folder} includes {other}, which is below it in architecture.md"
+
+
 def check(root):
     """What the drawing says and the sources do not, and the other way round."""
     source = pathlib.Path(root) / "docs/diagrams/structure.dot"
     drawing = read(source.read_text(encoding="utf-8"))
     findings = [*_arrow_findings(drawing, includes.edges(root)), *_product_findings(drawing, includes.products(root))]
-    return [f"structure.dot: {finding}" for finding in findings]
+    return [f"structure.dot: {finding}" for finding in findings] + list(_box_findings(root))

@@ -206,7 +206,8 @@ class Drawings(TreeTest):
         self.write("src/link/link.h", "#include <QtCore/QObject>\n")
         self.write("src/player/player.cpp", '#include "link/link.h"\n')
 
-    def findings(self, arrows):
+    def findings(self, arrows, page=""):
+        self.write("docs/architecture.md", page)
         self.write("docs/diagrams/structure.dot",
                    f'digraph a {{\n    core [comment="QtCore: link"]\n    both [comment="link player"]\n{arrows}\n}}\n')
         return structure.check(self.root)
@@ -235,6 +236,15 @@ class Drawings(TreeTest):
         self.write("boxsim/link/link.h", "")
         self.write("boxsim/link/box.cpp", '#include "link.h"\n')
         self.assertNotIn(("boxsim", "link"), includes.edges(self.root))
+
+    def test_finds_a_folder_of_the_box_that_looks_down(self):
+        self.write("boxsim/line/line.h", '#include "boxsim/bench/bench.h"\n')
+        self.write("boxsim/bench/bench.h", '#include "boxsim/line/line.h"\n')
+        rows = "| `boxsim/line` | a |\n| `boxsim/bench` | b |\n"
+        self.assertEqual(self.findings("    player -> link [style=dashed]", rows),
+                         ["boxsim/line includes boxsim/bench, which is below it in architecture.md"])
+        self.assertIn("boxsim/bench is in no row of architecture.md",
+                      self.findings("    player -> link [style=dashed]", "| `boxsim/line` | a |\n"))
 
     def test_tells_pictures_apart_by_what_they_show(self):
         svg = ('<svg xmlns="http://www.w3.org/2000/svg"><g class="node"><title>{0}</title>'
