@@ -3,7 +3,8 @@
 # and the package database that dependencies of packages are found in. Nothing of it runs on this machine but the
 # tests, in an emulator.
 #
-# usage: sysroot.sh armhf|arm64 [FOLDER]
+# usage: sysroot.sh [--made] armhf|arm64 [FOLDER]
+#   --made  make nothing: status 1 where there is no such root, or one that was made otherwise
 #   FOLDER  where it is made: ~/.cache/canbusservice/sysroot-ARCH unless told otherwise. A root that this script made
 #           there as it is now is left alone, another one is replaced
 #
@@ -26,6 +27,11 @@ packages=(
     qt5-image-formats-plugins fonts-inter
 )
 
+is_to_be_made=true
+if [ "${1:-}" = --made ]; then
+    is_to_be_made=false
+    shift
+fi
 architecture=${1:-}
 case $architecture in
     armhf | arm64) ;;
@@ -38,23 +44,25 @@ esac
 [ $# -le 2 ] || fail 2 "it takes an architecture and a folder, and \"$3\" is one too many"
 folder=${2:-${XDG_CACHE_HOME:-$HOME/.cache}/canbusservice/sysroot-$architecture}
 mirror=${CANBUS_DEBIAN_MIRROR:-http://deb.debian.org/debian}
-
-for program in mmdebstrap dpkg-deb; do
-    command -v "$program" >/dev/null || fail 1 "$program is missing: it is in the package ${program/dpkg-deb/dpkg}"
-done
-
-mkdir -p "$(dirname "$folder")"
-folder=$(cd "$(dirname "$folder")" && pwd)/$(basename "$folder")
+folder=$(realpath -m "$folder")
 recipe=$(sha256sum <"${BASH_SOURCE[0]}")
 made_by=$folder/var/lib/canbusservice-sysroot # the recipe of what lies there, in a root of this script's
+is_made() { [ -e "$made_by" ] && [ "$(cat "$made_by")" = "$recipe" ]; }
 
 # Two that make one root at once would make it twice.
-exec {lock}>"$folder.lock"
-flock "$lock"
-if [ -e "$made_by" ] && [ "$(cat "$made_by")" = "$recipe" ]; then
+if $is_to_be_made; then
+    mkdir -p "$(dirname "$folder")"
+    exec {lock}>"$folder.lock"
+    flock "$lock"
+fi
+if is_made; then
     printf '%s\n' "$folder"
     exit 0
 fi
+$is_to_be_made || fail 1 "$folder was not made, or made otherwise"
+for program in mmdebstrap dpkg-deb; do
+    command -v "$program" >/dev/null || fail 1 "$program is missing: it is in the package ${program/dpkg-deb/dpkg}"
+done
 if [ -e "$folder" ] && [ ! -e "$made_by" ] && [ -n "$(ls -A "$folder")" ]; then
     fail 1 "$folder holds something, and no root of this script's: name another folder, or remove it"
 fi
