@@ -8,9 +8,11 @@ set -euo pipefail
 [ $# -eq 0 ] || { echo "usage: $0" >&2; exit 2; }
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.." && pwd)
 build=$root/build/asan
+result=$root/docs/figures/result.py
 jobs=$(nproc)
 say() { printf 'sanitize: %s\n' "$*"; }
 
+"$result" begin sanitize
 say "building preset asan into build/asan"
 (cd "$root" && cmake --preset asan --log-level=WARNING -DCMAKE_CXX_COMPILER_LAUNCHER=ccache >/dev/null)
 cmake --build "$build" -j "$jobs" --target tests/unit/all tests/link/all
@@ -21,6 +23,7 @@ status=0
 for folder in unit link; do
     say "running the tests of tests/$folder"
     ctest --test-dir "$build/tests/$folder" --output-on-failure --no-tests=error -j "$((2 * jobs))" \
-        --exclude-regex '^tst_wholelink$' || status=1
+        --output-junit "$build/$folder.xml" --exclude-regex '^tst_wholelink$' || status=1
 done
+"$result" end sanitize $status --junit "$build/unit.xml" --junit "$build/link.xml"
 exit $status
