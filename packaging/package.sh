@@ -4,7 +4,7 @@ set -euo pipefail
 
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
 packages=$root/build/packages
-wants_build=true wants_lintian=true wants_check=true
+wants_build=true wants_lintian=true wants_check=true wants_symbols=false
 arch='' sysroot=''
 
 print_help() {
@@ -19,6 +19,8 @@ them in a fresh root of Debian 12 (tests/packages/install_in_root.sh, which take
   --no-lintian     leave lintian out
   --no-check       leave the installation out
   --check          build nothing: check the packages that are in build/packages
+  --symbols        build, write what the libraries export into packaging/debian/*.symbols, and end: when a symbol
+                   has come or gone, which fails the build, and that was meant
   --help           print this
 
 The build happens in build/package/ARCH, and build.log there tells all of it.
@@ -44,11 +46,13 @@ read_options() {
             --no-lintian) wants_lintian=false ;;
             --no-check) wants_check=false ;;
             --check) wants_build=false ;;
+            --symbols) wants_symbols=true ;;
             --help) print_help && exit 0 ;;
             *) fail 2 "\"$1\" is no option: package.sh --help lists them" ;;
         esac
         shift
     done
+    $wants_build || ! $wants_symbols || fail 2 "--symbols builds and --check does not: leave one out"
 }
 
 # The architecture, and whether this machine is another.
@@ -115,6 +119,9 @@ build_packages() {
         options+=(--host-arch="$arch" --no-check-builddeps)
         export CANBUS_SYSROOT=$sysroot PATH=$tree/debian/cross:$PATH
     fi
+    if $wants_symbols; then
+        export DPKG_GENSYMBOLS_CHECK_LEVEL=0
+    fi
     say "building $version for $arch in ${work#"$root"/}"
     if ! (cd "$tree" && dpkg-buildpackage "${options[@]}") >"$work/build.log" 2>&1 </dev/null; then
         tail -n 40 "$work/build.log" >&2
@@ -124,6 +131,15 @@ build_packages() {
     rm -f "$packages"/*_"$arch".{deb,changes,buildinfo}
     mv "$work"/*_"$arch".{deb,changes,buildinfo} "$packages/"
     (cd "$packages" && printf 'package: %s\n' *_"$arch".deb)
+}
+
+renew_symbols() {
+    local file package
+    for file in "$root"/packaging/debian/*.symbols; do
+        package=$(basename "$file" .symbols)
+        say "what ${package} exports"
+        "$root/packaging/debian/renew_symbols.py" "$package" "$version" "$tree/debian/$package" "$file"
+    done
 }
 
 # --- checks ---
@@ -150,6 +166,10 @@ work=$root/build/package/$arch
 if $wants_build; then
     need_commands git dpkg-buildpackage dh
     build_packages
+    if $wants_symbols; then
+        renew_symbols
+        exit 0
+    fi
 elif ! compgen -G "$packages/*_$arch.changes" >/dev/null; then
     fail 1 "there are no packages for $arch in ${packages#"$root"/}: package.sh without --check builds them"
 fi
