@@ -38,28 +38,21 @@ def read(text):
     return Drawing(arrows, frames, products)
 
 
-def _of_parts(drawing):
-    """The arrows with each frame taken for its parts: {(from, to): dashed}."""
-    arrows = {}
-    for (start, end), dashed in drawing.arrows.items():
-        for one in drawing.frames.get(start, {start}):
-            for other in drawing.frames.get(end, {end}):
-                arrows[one, other] = (dashed, (start, end))
-    return arrows
-
-
 def _arrow_findings(drawing, edges):
-    arrows = _of_parts(drawing)
-    for edge in sorted(edges.keys() - arrows.keys()):
+    covered = set()
+    for (start, end), dashed in drawing.arrows.items():
+        starts, ends = drawing.frames.get(start, {start}), drawing.frames.get(end, {end})
+        meant = {edge: kinds for edge, kinds in edges.items() if edge[0] in starts and edge[1] in ends}
+        covered.update(meant)
+        for part in sorted((starts - {edge[0] for edge in meant}) | (ends - {edge[1] for edge in meant})):
+            yield f"an arrow says that {start} includes {end}, and {part} has no part in it"
+        kinds = set().union(*meant.values())
+        if meant and dashed and "h" in kinds:
+            yield f"{start} includes {end} in a header too, and the arrow is dashed"
+        if meant and not dashed and "h" not in kinds:
+            yield f"{start} includes {end} in .cpp files alone, and the arrow is not dashed"
+    for edge in sorted(edges.keys() - covered):
         yield f"{edge[0]} includes {edge[1]}, and no arrow says so"
-    for edge in sorted(arrows.keys() - edges.keys()):
-        yield f"an arrow says that {edge[0]} includes {edge[1]}, and it does not"
-    for drawn, dashed in drawing.arrows.items():
-        kinds = set().union(*(edges.get(edge, set()) for edge, of in arrows.items() if of[1] == drawn))
-        if dashed and "h" in kinds:
-            yield f"{drawn[0]} includes {drawn[1]} in a header too, and the arrow is dashed"
-        if not dashed and "h" not in kinds:
-            yield f"{drawn[0]} includes {drawn[1]} in .cpp files alone, and the arrow is not dashed"
 
 
 def _product_findings(drawing, used):

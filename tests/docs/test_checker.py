@@ -209,7 +209,7 @@ class Drawings(TreeTest):
     def findings(self, arrows, page=""):
         self.write("docs/architecture.md", page)
         self.write("docs/diagrams/structure.dot",
-                   f'digraph a {{\n    core [comment="QtCore: link"]\n    both [comment="link player"]\n{arrows}\n}}\n')
+                   f'digraph a {{\n    core [comment="QtCore: link"]\n    both [comment="serial player"]\n{arrows}\n}}\n')
         return structure.check(self.root)
 
     def test_takes_arrows_that_are_includes(self):
@@ -219,8 +219,12 @@ class Drawings(TreeTest):
         self.assertEqual(self.findings(""), ["structure.dot: player includes link, and no arrow says so"])
 
     def test_finds_an_arrow_that_is_no_include(self):
-        self.assertIn("structure.dot: an arrow says that link includes player, and it does not",
+        self.assertIn("structure.dot: an arrow says that link includes player, and link has no part in it",
                       self.findings("    player -> link [dir=both, style=dashed]"))
+
+    def test_finds_a_part_of_a_frame_that_has_no_such_include(self):
+        self.assertEqual(self.findings("    both -> link [style=dashed]"),
+                         ["structure.dot: an arrow says that both includes link, and serial has no part in it"])
 
     def test_finds_an_arrow_of_the_wrong_kind(self):
         self.assertIn("the arrow is not dashed", self.findings("    player -> link")[0])
