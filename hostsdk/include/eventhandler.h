@@ -8,12 +8,16 @@ class SrcDsplCtrl;
 
 /// Takes the events by which the parts of the head unit ask its user interface for something.
 ///
-/// A process-wide singleton that belongs to the host's main thread and is never deleted by its users.
+/// A process-wide singleton that is never deleted by its users.
+///
+/// @thread{The host's main thread, to which it belongs.}
+/// @emitted{The host's main thread.}
 class EventHandler : public QObject {
     Q_OBJECT
 
 public:
     /// The one handler, built on first use and destroyed at process exit.
+    /// @return never null
     static EventHandler *instance();
 
     /// Takes an event.
@@ -26,7 +30,8 @@ public:
     /// @param event  the event's number
     void onEvent(int event);
 
-    /// The controller of source and display. It is never null and belongs to this handler.
+    /// The controller of source and display.
+    /// @return never null; it belongs to this handler
     SrcDsplCtrl *srcDsplCtrl() const;
 
 Q_SIGNALS:

@@ -5,12 +5,16 @@
 /// The head unit's link to its microcontroller, as far as the vehicle's wires are concerned: it reports the
 /// reverse gear.
 ///
-/// A process-wide singleton that belongs to the host's main thread and is never deleted by its users.
+/// A process-wide singleton that is never deleted by its users.
+///
+/// @thread{The host's main thread, to which it belongs.}
+/// @emitted{The host's main thread.}
 class McuVechicleBridge : public QObject {
     Q_OBJECT
 
 public:
     /// The one bridge, built on first use and destroyed at process exit.
+    /// @return never null
     static McuVechicleBridge *instance();
 
 public Q_SLOTS:

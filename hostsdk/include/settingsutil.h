@@ -5,8 +5,9 @@
 
 namespace mem {
 
-/// Reads the head unit's ini files. Its users get it from SettingsUtil::getSaver(), on the host's main
-/// thread.
+/// Reads the head unit's ini files. Its users get it from SettingsUtil::getSaver().
+///
+/// @thread{The host's main thread.}
 class SettingsExe {
 public:
     /// The value of a key in a file, read at the time of the call.
@@ -16,23 +17,29 @@ public:
     /// @param key  the key's name; one without a "/" belongs to the file's general section
     /// @param file  the absolute path of the ini file
     /// @param defaultValue  what is returned when the file or the key in it is missing
+    /// @return as QSettings reads it: a text, mostly
     QVariant getValue(const QString &key, const QString &file, const QVariant &defaultValue) const;
 };
 
 /// The head unit's settings by name.
 ///
-/// A process-wide singleton that belongs to the host's main thread and is never deleted by its users. The
-/// readers are inline: they are compiled into the program that calls them.
+/// A process-wide singleton that is never deleted by its users. The readers are inline: they are compiled
+/// into the program that calls them.
+///
+/// @thread{The host's main thread, to which it belongs.}
 class SettingsUtil {
 public:
     /// The one object, built on first use and destroyed at process exit.
+    /// @return never null
     static SettingsUtil *instance();
 
-    /// The reader of the ini files. It is never null and belongs to this object.
+    /// The reader of the ini files.
+    /// @return never null; it belongs to this object
     SettingsExe *getSaver() const;
 
     /// Whether the box's camera picture is to be used.
     /// @param def  what is returned when the setting is missing
+    /// @return true when it is
     bool getCameraComposite(bool def) const
     {
         return getSaver()
@@ -41,7 +48,8 @@ public:
             .toBool();
     }
 
-    /// The clock format: 1 when the setting is missing; what the number means is the host's.
+    /// The clock format; what the number means is the host's.
+    /// @return 1 when the setting is missing
     int getTimeFormat() const
     {
         return getSaver()

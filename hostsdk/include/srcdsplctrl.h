@@ -7,16 +7,20 @@
 
 /// Knows which display the head unit shows and which source it plays, and tells when that changes.
 ///
-/// The one that counts is held by the event handler: EventHandler::srcDsplCtrl(). It lives on the host's main
-/// thread.
+/// The one that counts is held by the event handler: EventHandler::srcDsplCtrl().
+///
+/// @thread{The host's main thread, on which it lives.}
+/// @emitted{The host's main thread.}
 class SrcDsplCtrl : public QObject {
     Q_OBJECT
 
 public:
     /// Shows C::DSPL_Home. It registers both enumerations as meta-types, so that the signal can be queued.
+    /// @param parent  its owner, or null
     explicit SrcDsplCtrl(QObject *parent = nullptr);
 
     /// The display that is shown now.
+    /// @return also a number without a name
     C::DSPLState currentDspl() const;
 
 public Q_SLOTS:

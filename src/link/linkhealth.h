@@ -58,17 +58,17 @@ public:
     quint64 bufferHighWater = 0;  ///< most bytes that a parsing pass has found waiting
     quint64 sentBytes = 0;        ///< all that was given to the port, the loop-back test's replies too
     quint64 sentFrames = 0;       ///< data frames, each transmission counted
-    quint64 sentAcks = 0;
-    quint64 sentNacks = 0;
-    quint64 awaitingNacks = 0;   ///< NACKs sent while a frame's end was awaited; also counted in sentNacks
-    quint64 retransmissions = 0; ///< transmissions of a frame beyond its first
-    quint64 givenUp = 0;         ///< frames that no answer came for
-    quint64 refusedFull = 0;     ///< commands that were not accepted since the cache was full
-    quint64 cacheHighWater = 0;  ///< most frames that have waited at once
-    quint64 answers = 0;         ///< answers that took a frame off the cache
-    quint64 lastAnswerUs = 0;    ///< from the frame's first transmission to its answer
-    quint64 meanAnswerUs = 0;    ///< over all answers to frames that had been sent
-    quint64 maxAnswerUs = 0;
+    quint64 sentAcks = 0;         ///< answers to frames that were taken
+    quint64 sentNacks = 0;        ///< the awaiting ones included
+    quint64 awaitingNacks = 0;    ///< NACKs sent while a frame's end was awaited; also counted in sentNacks
+    quint64 retransmissions = 0;  ///< transmissions of a frame beyond its first
+    quint64 givenUp = 0;          ///< frames that no answer came for
+    quint64 refusedFull = 0;      ///< commands that were not accepted since the cache was full
+    quint64 cacheHighWater = 0;   ///< most frames that have waited at once
+    quint64 answers = 0;          ///< answers that took a frame off the cache
+    quint64 lastAnswerUs = 0;     ///< from the frame's first transmission to its answer
+    quint64 meanAnswerUs = 0;     ///< over all answers to frames that had been sent
+    quint64 maxAnswerUs = 0;      ///< the slowest answer
     quint64 connectRequests = 0;  ///< put into the cache, not counting retransmissions
     quint64 connectionChecks = 0; ///< put into the cache, not counting retransmissions
     quint64 linkLosses = 0;       ///< how often the link was reported down
@@ -86,11 +86,10 @@ public:
 /// Owned by the protocol object, VelCanBusProtocol::linkHealth(), and gone with it: who may outlive the
 /// protocol holds it by a QPointer, on the protocol's thread. Always on.
 ///
-/// Threads: figures() may be called on any thread at any time; each figure is read by itself, so two figures
-/// of one reading may be a frame apart. What a signal of the protocol tells is counted before it is emitted,
-/// but for the bytes skipped before a frame. commandEnded() comes in order with the protocol's signals about
-/// writing and about the link's state, like them on the protocol's thread or the parser's; the state of
-/// sending is not locked then.
+/// What a signal of the protocol tells is counted before it is emitted, but for the bytes skipped before a
+/// frame.
+///
+/// @thread{The protocol's: the host's main thread.}
 class CANBUS_EXPORT LinkHealth : public QObject {
     Q_OBJECT
 
@@ -104,19 +103,29 @@ public:
     };
     Q_ENUM(Fate)
 
+    /// All figures at 0. A protocol makes its own.
     LinkHealth();
+    /// Its protocol destroys it, with itself.
     ~LinkHealth() override;
 
+    /// The figures as they are now. Each is read by itself: two of one reading may be a frame apart.
+    /// @return a copy
+    /// @thread{Any, as long as the object is there.}
     LinkFigures figures() const;
 
 Q_SIGNALS:
     /// A frame has left the send cache, or was not let in. Connect requests and connection checks are
     /// commands too. Two equal frames are two commands, each with its own transmissions and its own time.
+    ///
+    /// Comes in order with the protocol's signals about writing and about the link's state; the state of
+    /// sending is not locked then.
     /// @param frame  complete, as it went on the wire
+    /// @param fate  how it has ended
     /// @param transmissions  how often it was sent; 0 for NotAccepted, and for a frame that still waited to
     ///   be sent when an answer with its id came
     /// @param microseconds  from its first transmission to its end, by a clock that nobody sets; 0 where it
     ///   was not sent
+    /// @emitted{The protocol's thread or the parser thread.}
     void commandEnded(QByteArray frame, canbus::LinkHealth::Fate fate, int transmissions,
                       qint64 microseconds);
 

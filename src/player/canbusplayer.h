@@ -31,25 +31,35 @@ class CanbusProtocol;
 ///     canbus::CanBusPlayer::instance()->setUartPort("/dev/ttyS3", 57600);
 ///     canbus::CanBusPlayer::instance()->init(new canbus::VelCanBusProtocol);
 ///
-/// The player lives on the thread that first calls instance(), which must be the host's main thread; call
-/// everything here on that thread. The port lives on a worker thread of its own from init() on. Nothing
-/// needs to be stopped: the threads end with the application object or the process.
+/// The player lives on the thread that first calls instance(), which must be the host's main thread. The port
+/// lives on a worker thread of its own from init() on. Nothing needs to be stopped: the threads end with the
+/// application object or the process.
+///
+/// @thread{The host's main thread, on which the player lives.}
+/// @emitted{The host's main thread.}
 class CANBUS_EXPORT CanBusPlayer : public QObject {
     Q_OBJECT
 
 public:
-    /// Made on first use, destroyed when the process exits.
+    /// The player, made on first use and destroyed when the process exits.
+    /// @return never null
     static CanBusPlayer *instance();
 
     /// The box's menu or text screen: what updateMenuInfo() announces.
     struct TextScreen {
         QList<int> menu; ///< four identifiers 0..255; empty before the box has shown one
+        /// Whether the screen offers a minus button.
         bool minus = false;
+        /// Whether the screen offers a plus button.
         bool plus = false;
+        /// The screen's texts, cleaned of bytes that are no UTF-8.
         QStringList texts;
     };
 
+    /// A further player, for tests: the groups send through the one of instance().
+    /// @param parent  its owner, or null
     explicit CanBusPlayer(QObject *parent = nullptr);
+    /// Leaves the port, its thread and the protocol alone.
     ~CanBusPlayer() override;
 
     /// Sets up the board's pins, opens the port and, if that succeeds, joins it to the protocol and the
@@ -60,8 +70,8 @@ public:
     ///   null is logged as an error, and leaves the open port without a protocol
     void init(CanbusProtocol *protocol);
 
-    /// The protocol that is joined to the port: null before the first init() that has opened it, and once the
-    /// host has deleted it.
+    /// The protocol that is joined to the port.
+    /// @return null before the first init() that has opened the port, and once the host has deleted it
     CanbusProtocol *protocol() const;
 
     /// Sets the serial device for the next init().
@@ -70,9 +80,11 @@ public:
     Q_INVOKABLE void setUartPort(const QString &port, int baud);
 
     /// Whether the link to the box is up.
+    /// @return as canbusConnectStatus() has last said; false at first
     Q_INVOKABLE bool getCanbusConnectStatus();
 
-    /// The vehicle screens that the box supports, by their numbers 0..4; empty before it has said so.
+    /// The vehicle screens that the box supports.
+    /// @return a flag for each of the numbers 0..4; empty before the box has said so
     Q_INVOKABLE QMap<int, bool> getSuppScrennInfo();
 
     /// Emits updateMenuInfo() with the text screen as it is, if it has more than one text: for a UI that has
@@ -80,9 +92,11 @@ public:
     Q_INVOKABLE void getTextScreenInfo();
 
     /// The text screen as it is, one with a single text too.
+    /// @return with an empty menu before the box has shown one
     TextScreen textScreen() const;
 
     /// Sends a press on the text screen. The low byte of each argument is sent as it is.
+    /// @param menu, item, action  0..255 each, as the box defines them
     Q_INVOKABLE void onMenuPress(int menu, int item, int action);
 
     /// Tells the box that the display shows none of its screens.
@@ -91,68 +105,115 @@ public:
     /// Whether the box's camera picture is to be shown: while the link is up, the box has a camera screen and
     /// the head unit's settings want it, on every display but the one without camera; otherwise on the box's
     /// camera view alone.
+    /// @return true when it is to be shown
     Q_INVOKABLE bool getCanbusCameraEnable();
 
     /// Sends the head unit's clock to the box. The low byte of each argument is sent; 255 in all six means
     /// "time unknown".
+    /// @param minute  0..59
+    /// @param hour  0..23
+    /// @param day  of the month, 1..31
+    /// @param month  1..12
     /// @param year  full year, for example 2026: sent as two bytes, 20 and 26; 255 is sent as 255, 255
     /// @param format  the clock format as the box defines it, 0 or 1: passed on as it came
     Q_INVOKABLE void syncGPSTimeToCanbus(int minute, int hour, int day, int month, int year, int format);
 
-    // Helpers for whoever reads payloads or builds frames. They keep no state; usable on every thread.
+    // Helpers for whoever reads payloads or builds frames. They keep no state.
 
-    /// Appends the zero-terminated UTF-8 strings in `data` to `list`, cleaned. Bytes behind the last zero
-    /// byte are dropped.
+    /// Appends zero-terminated texts to a list, cleaned.
+    /// @param list  what stands in it stays
+    /// @param data  texts in UTF-8; bytes behind the last zero byte are dropped
+    /// @thread{Any.}
     void onSplitEOFstrings(QStringList &list, QByteArray data);
     /// Removes every U+FFFD, which stands for bytes that are no UTF-8.
+    /// @param text  cleaned in place
+    /// @thread{Any.}
     void removeGarbledCodeFromUtf8(QString &text);
-    /// The state of the named bits of `value`, lowest first: 0..3. A position outside 0..7 reads as 0.
+    /// The state of two bits.
+    /// @param value  the byte
+    /// @param bit0, bit1  positions 0..7, lowest first; any other reads as 0
+    /// @return 0..3
+    /// @thread{Any.}
     int on2bitComparisonStates(char value, int bit0, int bit1);
-    /// As above, 0..6; 7 reads as 0.
+    /// The state of three bits.
+    /// @param value  the byte
+    /// @param bit0, bit1, bit2  positions 0..7, lowest first; any other reads as 0
+    /// @return 0..6; 7 reads as 0
+    /// @thread{Any.}
     int on3bitComparisonStates(char value, int bit0, int bit1, int bit2);
-    /// As above, 0..8; 9..15 read as 0.
+    /// The state of four bits.
+    /// @param value  the byte
+    /// @param bit0, bit1, bit2, bit3  positions 0..7, lowest first; any other reads as 0
+    /// @return 0..8; 9..15 read as 0
+    /// @thread{Any.}
     int on4bitComparisonStates(char value, int bit0, int bit1, int bit2, int bit3);
-    /// Appends `byte` to `frame`, twice if it is 0x9F.
+    /// Appends a byte to a frame, twice if it is 0x9F.
+    /// @param byte  any
+    /// @param frame  what stands in it stays
+    /// @thread{Any.}
     void onEscapeFrameHeader(char byte, QByteArray &frame);
 
 Q_SIGNALS:
-    /// One complete frame for the box, from 9F 02 to 9F 03. The protocol caches, sends and resends it.
+    /// One complete frame for the box. The protocol caches, sends and resends it.
+    /// @param data  from 9F 02 to 9F 03, escaped
+    /// @emitted{The thread of the control that sends: the host's main thread.}
     void sendCmdData(QByteArray data);
-    /// The vehicle screens that the box supports, by their numbers 0..4.
+    /// The vehicle screens that the box supports. Emitted with every report, changed or not.
+    /// @param m_list  a flag for each of the numbers 0..4
     void updateScreenInfo(QMap<int, bool> m_list);
-    /// The link has come up (true) or gone down (false). Emitted on a change only.
+    /// The link has come up or gone down. Emitted on a change only.
+    /// @param status  true when it is up
     void canbusConnectStatus(bool status);
-    /// The box's menu or text screen: four menu identifiers 0..255, whether minus and plus are offered, and
-    /// the texts.
+    /// The box's menu or text screen. Emitted on a change, and by getTextScreenInfo().
+    /// @param Menu  four identifiers 0..255
+    /// @param Minus, Plus  whether the button is offered
+    /// @param Text  the texts, cleaned of bytes that are no UTF-8
     void updateMenuInfo(QList<int> Menu, bool Minus, bool Plus, QStringList Text);
 
 public Q_SLOTS:
     /// Hands received bytes to the protocol's loop-back test.
+    /// @param data  as they came from the line
     void readPortData(QByteArray data);
-    /// Writes to the port at once, on the calling thread: only for a host that knows that nothing else does.
-    /// Dropped before init().
+    /// Writes to the port at once, on the calling thread. Dropped before init().
+    /// @param data  as they go on the line
+    /// @thread{Any, where the host knows that nothing else writes meanwhile.}
     void writPortData(QByteArray data);
     /// The protocol's report of the link: starts or stops the time synchronisation, leaves the box's view
     /// when the link goes down, emits canbusConnectStatus() on a change.
+    /// @param status  true when the link is up
     void setCanbusConnectStatus(bool status);
     /// The host shows another display: while the link is up, asks the box for the data of that screen.
     void onCanbusSourceDsplChange();
     /// Sends the clock and waits for the next full minute; stops while the link is down.
     void onSyncTimeTmrout();
-    /// The box's supported screens: bits 0..4 of the first byte. Emits updateScreenInfo(), changed or not.
+    /// The box's supported screens. Emits updateScreenInfo(), changed or not.
+    /// @param data  bits 0..4 of the first byte are the screens 0..4; a missing byte reads as 0
     void suppScreen(QByteArray data);
-    // The categories: the first byte of TPMOD, the sub-type, selects the decoder that gets `data`.
+    /// A climate report: handed to the climate group. An unknown sub-type is logged as an error.
+    /// @param TPMOD  one byte, the sub-type: 0..2
+    /// @param data  the payload, unescaped
     void onClimateInfo(QByteArray TPMOD, QByteArray data);
+    /// A gauges report: handed to the gauges group. An unknown sub-type is logged as an error.
+    /// @param TPMOD  one byte, the sub-type: 0..5
+    /// @param data  the payload, unescaped
     void onGaugesInfo(QByteArray TPMOD, QByteArray data);
+    /// A vehicle report: handed to the vehicle group. An unknown sub-type is logged as an error.
+    /// @param TPMOD  one byte, the sub-type: 0..2
+    /// @param data  the payload, unescaped
     void onVehicleInfo(QByteArray TPMOD, QByteArray data);
+    /// A parking report: handed to the parking group. An unknown sub-type is logged as an error.
+    /// @param TPMOD  one byte, the sub-type: 0..2
+    /// @param data  the payload, unescaped
     void onParingAssistInfo(QByteArray TPMOD, QByteArray data);
-    /// The box asks the UI for a move: request code 0..4 in the first byte, delivered to the application
-    /// object as a host event. Any other code is logged as an error.
+    /// The box asks the UI for a move, which is delivered to the application object as a host event.
+    /// @param data  the request code in the first byte, 0..4; any other is logged as an error
     void onChangeDsp(QByteArray data);
-    /// The box's menu or text screen: four menu identifiers, flags, zero-terminated texts. Emits
-    /// updateMenuInfo() on a change.
+    /// The box's menu or text screen. Emits updateMenuInfo() on a change.
+    /// @param data  four menu identifiers, a byte with minus (bit 0) and plus (bit 1), zero-terminated texts
+    ///   in UTF-8; missing bytes read as 0
     void onTextScreen(QByteArray data);
-    /// Reverse gear was engaged or released: enters or leaves the box's camera view by host events.
+    /// Reverse gear was engaged (true) or released (false): enters or leaves the box's camera view by host
+    /// events. The second argument is the host's own, and ignored.
     void onReverseChanged(bool, int);
 
 private:
@@ -170,4 +231,8 @@ private:
 } // namespace canbus
 
 /// Writes a display state by its name, or as a number where it has none.
+/// @param debug  what is written to
+/// @param state  any number, named or not
+/// @return `debug`, for the next value
+/// @thread{That of `debug`; no state is kept.}
 CANBUS_EXPORT QDebug operator<<(QDebug debug, C::DSPLState state);
