@@ -22,85 +22,118 @@ namespace canbus {
 /// goes down the last state stays. What scales, states and values mean on the screen belongs to the UI and
 /// the box: they are passed on as they came.
 ///
-/// Lives on the host's main thread: call everything there. Made on first use, destroyed when the process
-/// exits.
+/// Made on first use, destroyed when the process exits.
+///
+/// @thread{The host's main thread, on which the group lives.}
+/// @emitted{The host's main thread.}
 class CANBUS_EXPORT VelGaugesGroupCmd : public QObject {
     Q_OBJECT
 
 public:
     /// The group that the facade hands the box's reports to.
+    /// @return never null
     static VelGaugesGroupCmd *instance();
 
     /// A further group, which the facade hands no reports.
+    /// @param parent  its owner, or null
     explicit VelGaugesGroupCmd(QObject *parent = nullptr);
 
     // The kinds of report, each with its whole payload. A payload that is too short is logged as an error and
     // changes nothing.
 
-    /// Type flags and title, at least 2 bytes. The type is announced with every report.
+    /// Type flags and title. Emits updateGaugeTopText() on a change, and updateGaugeType() each time.
+    /// @param data  at least 2 bytes: four flags in bits 0 to 3, then the title in UTF-8, up to a zero byte
+    ///   or the end
     void handleGaugeType(QByteArray data);
-    /// Custom labels, at least 1 byte.
+    /// Custom labels. Emits updateGaugeComText() on a change, and whenever the list is empty.
+    /// @param data  at least 1 byte: zero-terminated texts in UTF-8
     void handleGaugeCustomLabel(QByteArray data);
-    /// Scale and centre texts, at least 2 bytes.
+    /// Scale, and texts of the centre gauge. Emits updateGaugeScale() and updateGaugeCenterText() on a
+    /// change.
+    /// @param data  at least 2 bytes: a scale entry of two characters, up to ten of three, and behind them
+    ///   zero-terminated texts in UTF-8
     void handleGaugeScaleAndCenterText(QByteArray data);
-    /// At least 1 byte.
+    /// Texts of the gauges at the top. Emits updateGaugeTopLRText() on a change, and whenever the list is
+    /// empty.
+    /// @param data  at least 1 byte: zero-terminated texts in UTF-8
     void handleGaugeTopLeft_RightText(QByteArray data);
-    /// At least 1 byte.
+    /// Texts of the gauges at the bottom. Emits updateGaugeBottomLRText() on a change, and whenever the list
+    /// is empty.
+    /// @param data  at least 1 byte: zero-terminated texts in UTF-8
     void handleGaugeBottomLeft_RightText(QByteArray data);
-    /// The gauges' state, at least 13 bytes.
+    /// The gauges' state. Decodes the items below and emits the signals of those that have changed.
+    /// @param data  at least 13 bytes, the items as said below
     void handleGaugeStateValue(QByteArray data);
 
     // The items of the gauges' state: from the whole payload, or from the byte that holds them.
 
-    /// Format flags, bits 1 to 5.
+    /// Format flags. Emits updateGaugeFormat() on a change.
+    /// @param byte  byte 2 of the payload: bits 1 to 5
     void handleGaugeFormat(char byte);
-    /// Shift flag, bit 0. Announced throttled.
+    /// Shift flag. A change is announced throttled.
+    /// @param byte  byte 2 of the payload: bit 0
     void handleGaugeShift(char byte);
-    /// Peak colour, byte 3.
+    /// Peak colour. Emits updateGaugePeakColorState() on a change.
+    /// @param data  the whole payload: bits 2 to 4 of byte 3; 7 reads as 0
     void handleGaugePeakColorState(QByteArray data);
-    /// States of the custom labels, bytes 2 and 3.
+    /// States of the custom labels. Emits updateGaugeComLabelsState() on a change.
+    /// @param data  the whole payload: bits 6 and 7 of byte 2, bits 0 and 1 of byte 3
     void handleGaugeComLabelsState(QByteArray data);
-    /// Zero positions, bytes 0, 4, 6, 8 and 10.
+    /// Zero positions. Emits updateGaugeZeroPos() on a change.
+    /// @param data  the whole payload: bytes 0, 4, 6, 8 and 10
     void handleGaugeZeroPos(QByteArray data);
-    /// Values, bytes 1, 5, 7, 9 and 11. Announced throttled.
+    /// Values. A change is announced throttled.
+    /// @param data  the whole payload: bytes 1, 5, 7, 9 and 11
     void handleGaugeValue(QByteArray data);
-    /// Texts of the values, from byte 12 on. Announced throttled.
+    /// Texts of the values. A change is announced throttled.
+    /// @param data  the whole payload: zero-terminated texts in UTF-8 from byte 12 on
     void handleGaugeValueText(QByteArray data);
 
 Q_SIGNALS:
-    /// Four flags by the keys 0..3. Emitted with every type report, changed or not.
+    /// Type of the screen. Emitted with every type report, changed or not.
+    /// @param m_list  four flags by the keys 0..3; empty before the first
     void updateGaugeType(QMap<int, bool> m_list);
-    /// Screen title, cleaned of bytes that are no UTF-8. An empty one is announced each time it arrives.
+    /// Title of the screen. An empty one is announced each time it arrives.
+    /// @param TopText  cleaned of bytes that are no UTF-8
     void updateGaugeTopText(QString TopText);
     /// Custom labels. An empty list is announced each time it arrives.
+    /// @param Text  any number of labels, empty ones too
     void updateGaugeComText(QStringList Text);
-    /// Up to eleven entries: one of two characters, ten of three.
+    /// Scale of the centre gauge.
+    /// @param scale  up to eleven entries: one of two characters, ten of three
     void updateGaugeScale(QStringList scale);
     /// Texts of the centre gauge. An empty list is announced each time it arrives.
+    /// @param CenterText  any number of texts, empty ones too
     void updateGaugeCenterText(QStringList CenterText);
     /// Texts of the gauges top left and top right. An empty list is announced each time it arrives.
+    /// @param TopLRText  any number of texts, empty ones too
     void updateGaugeTopLRText(QStringList TopLRText);
     /// Texts of the gauges bottom left and bottom right. An empty list is announced each time it arrives.
+    /// @param BottomLRText  any number of texts, empty ones too
     void updateGaugeBottomLRText(QStringList BottomLRText);
-    /// State 0..6, -1 before the first.
+    /// Peak colour.
+    /// @param color  state 0..6; -1 before the first
     void updateGaugePeakColorState(int color);
-    /// States 0..3, -1 before the first.
+    /// States of the custom labels.
+    /// @param state1, state2  0..3; -1 before the first
     void updateGaugeComLabelsState(int state1, int state2);
-    /// Zero positions of the five gauges, 0..255.
+    /// Zero positions of the five gauges, 0..255 each; an empty list before the first.
     void updateGaugeZeroPos(QList<int>);
-    /// Values of the five gauges, 0..255.
+    /// Values of the five gauges, 0..255 each; an empty list before the first. Throttled.
     void updateGaugeValue(QList<int>);
     /// Texts of the values. Throttled.
     void updateGaugeValueText(QStringList);
     /// Shift flag. Throttled.
+    /// @param Shift  the box's flag
     void updateGaugeShift(bool Shift);
-    /// Format flags of the five gauges.
+    /// Format flags of the five gauges; an empty list before the first.
     void updateGaugeFormat(QList<bool>);
 
 public Q_SLOTS:
     /// Emits all fourteen signals with the values as they are: for a UI that has bound late.
     void getGaugesInfo();
-    /// Announces the throttled items.
+    /// Emits updateGaugeValueText(), updateGaugeValue() and updateGaugeShift(): the timer of the throttled
+    /// items.
     void onTimerOut();
 
     /// Asks the box for the gauges' data.
@@ -108,15 +141,15 @@ public Q_SLOTS:
     /// Asks the box to open its settings.
     void settings();
     // The gauges report press (true) and release (false), the custom controls a press alone.
-    /// Centre gauge.
+    /// Centre gauge. @press
     void Gauge1_CenterGauge(bool isPress);
-    /// Gauge top left.
+    /// Gauge top left. @press
     void Gauge2_TopLeft(bool isPress);
-    /// Gauge top right.
+    /// Gauge top right. @press
     void Gauge3_TopRight(bool isPress);
-    /// Gauge bottom left.
+    /// Gauge bottom left. @press
     void Gauge4_BottomLeft(bool isPress);
-    /// Gauge bottom right.
+    /// Gauge bottom right. @press
     void Gauge5_BottomRight(bool isPress);
     /// First custom control.
     void customControl1();

@@ -18,59 +18,81 @@ namespace canbus {
 /// change. When the link goes down the last state stays. The unit of the distances and the meaning of states
 /// and flags belong to the UI and the box: they are passed on as they came.
 ///
-/// Lives on the host's main thread: call everything there. Made on first use, destroyed when the process
-/// exits.
+/// Made on first use, destroyed when the process exits.
+///
+/// @thread{The host's main thread, on which the group lives.}
+/// @emitted{The host's main thread.}
 class CANBUS_EXPORT VelParkingGroupCmd : public QObject {
     Q_OBJECT
 
 public:
     /// The group that the facade hands the box's reports to.
+    /// @return never null
     static VelParkingGroupCmd *instance();
 
     /// A further group, which the facade hands no reports.
+    /// @param parent  its owner, or null
     explicit VelParkingGroupCmd(QObject *parent = nullptr);
 
     // The kinds of report, each with its whole payload. A payload that is too short is logged as an error and
     // changes nothing.
 
-    /// Title, at least 1 byte. An empty title is announced each time it arrives.
+    /// Title. Emits updateParkTopText() on a change, and whenever it is empty.
+    /// @param data  at least 1 byte: the title in UTF-8, up to a zero byte or the end
     void onParkTopText(QByteArray data);
-    /// Custom labels, at least 1 byte.
+    /// Custom labels. Emits updateParkComText() on a change, and whenever the list is empty.
+    /// @param data  at least 1 byte: zero-terminated texts in UTF-8
     void onParkCustomLabel(QByteArray data);
-    /// The distances and states, at least 17 bytes.
+    /// The distances and states. Decodes the items below and emits the signals of those that have changed.
+    /// @param data  at least 17 bytes: four zones at the front, the rear, on the left and on the right, then
+    ///   the states; more are ignored
     void onParkData(QByteArray data);
 
     // The items of the parking data. Distances of the zones 1 to 4 of one side, 0..255.
 
-    /// Distances at the front.
+    /// Distances at the front. Emits updateParkSensorFront() on a change.
+    /// @param zone1, zone2, zone3, zone4  0..255, as the box counts
     void onParkDistanceSensorFront(int zone1, int zone2, int zone3, int zone4);
-    /// Distances at the rear.
+    /// Distances at the rear. Emits updateParkSensorRear() on a change.
+    /// @param zone1, zone2, zone3, zone4  0..255, as the box counts
     void onParkDistanceSensorRear(int zone1, int zone2, int zone3, int zone4);
-    /// Distances on the left.
+    /// Distances on the left. Emits updateParkSensorLeft() on a change.
+    /// @param zone1, zone2, zone3, zone4  0..255, as the box counts
     void onParkDistanceSensorLeft(int zone1, int zone2, int zone3, int zone4);
-    /// Distances on the right.
+    /// Distances on the right. Emits updateParkSensorRight() on a change.
+    /// @param zone1, zone2, zone3, zone4  0..255, as the box counts
     void onParkDistanceSensorRight(int zone1, int zone2, int zone3, int zone4);
-    /// States of the custom labels, byte 16.
+    /// States of the custom labels. Emits updateParkComLabelsState() on a change.
+    /// @param data  the whole payload: bits 0 and 1, and 2 and 3, of byte 16
     void onParkDistanceComLabelsState(QByteArray data);
-    /// Flags of the sensors, bits 4 to 7 of byte 16.
+    /// Flags of the sensors. Emits updateParkSensorStatus() on a change.
+    /// @param byte  byte 16 of the payload: bits 4 to 7
     void onParkDistanceSensorStatus(char byte);
 
 Q_SIGNALS:
-    /// Screen title, cleaned of bytes that are no UTF-8. An empty one is announced each time it arrives.
+    /// Title of the screen. An empty one is announced each time it arrives.
+    /// @param TopText  cleaned of bytes that are no UTF-8
     void updateParkTopText(QString TopText);
     /// Custom labels. An empty list is announced each time it arrives.
+    /// @param Text  any number of labels, empty ones too
     void updateParkComText(QStringList Text);
-    /// Distances of four zones at the front, 0..255 each.
+    /// Distances at the front.
+    /// @param m_list  the zones 1 to 4, 0..255 each, as the box counts; empty before the first
     void updateParkSensorFront(QList<int> m_list);
-    /// Likewise at the rear.
+    /// Distances at the rear.
+    /// @param m_list  the zones 1 to 4, 0..255 each, as the box counts; empty before the first
     void updateParkSensorRear(QList<int> m_list);
-    /// Likewise on the left.
+    /// Distances on the left.
+    /// @param m_list  the zones 1 to 4, 0..255 each, as the box counts; empty before the first
     void updateParkSensorLeft(QList<int> m_list);
-    /// Likewise on the right.
+    /// Distances on the right.
+    /// @param m_list  the zones 1 to 4, 0..255 each, as the box counts; empty before the first
     void updateParkSensorRight(QList<int> m_list);
-    /// States 0..3.
+    /// States of the custom labels.
+    /// @param state1, state2  0..3
     void updateParkComLabelsState(int state1, int state2);
-    /// Four flags.
+    /// Flags of the sensors.
+    /// @param m_list  four flags; empty before the first
     void updateParkSensorStatus(QList<bool> m_list);
 
 public Q_SLOTS:

@@ -19,65 +19,88 @@ namespace canbus {
 /// last state stays. What the states mean on the screen belongs to the UI and the box: they are passed on as
 /// they came.
 ///
-/// Lives on the host's main thread: call everything there. Made on first use, destroyed when the process
-/// exits.
+/// Made on first use, destroyed when the process exits.
+///
+/// @thread{The host's main thread, on which the group lives.}
+/// @emitted{The host's main thread.}
 class CANBUS_EXPORT VelVehicleGroupCmd : public QObject {
     Q_OBJECT
 
 public:
     /// The group that the facade hands the box's reports to.
+    /// @return never null
     static VelVehicleGroupCmd *instance();
 
     /// A further group, which the facade hands no reports.
+    /// @param parent  its owner, or null
     explicit VelVehicleGroupCmd(QObject *parent = nullptr);
 
     // The kinds of report, each with its whole payload. A payload that is too short is logged as an error and
     // changes nothing.
 
-    /// Title, at least 1 byte.
+    /// Title. Emits updateVehicleTopText() on a change, and whenever it is empty.
+    /// @param data  at least 1 byte: the title in UTF-8, up to a zero byte or the end
     void onVehicleTopText(QByteArray data);
-    /// Custom labels, at least 1 byte.
+    /// Custom labels. Emits updateVehicleComText() on a change, and whenever the list is empty.
+    /// @param data  at least 1 byte: zero-terminated texts in UTF-8
     void onVehicleCustomLabel(QByteArray data);
-    /// The vehicle's state, at least 3 bytes.
+    /// The vehicle's state. Decodes the items below and emits the signals of those that have changed.
+    /// @param data  at least 3 bytes, the items as said below
     void onVehicleData(QByteArray data);
 
     // The items of the vehicle's state: from the byte that holds them, or from the whole payload.
 
-    /// Doors, bits 0 to 3 of byte 0.
+    /// Doors. Emits updateVehicleDoorStatus() on a change.
+    /// @param byte  byte 0 of the payload: bits 0 to 3
     void onVehicleDoorStatus(char byte);
-    /// Hood, bit 4 of byte 0.
+    /// Hood. Emits updateVehicleHoodk() on a change.
+    /// @param byte  byte 0 of the payload: bit 4
     void onVehicleHoodStatus(char byte);
-    /// Trunk, bit 5 of byte 0.
+    /// Trunk. Emits updateVehicleTrunk() on a change.
+    /// @param byte  byte 0 of the payload: bit 5
     void onVehicleTrunkStatus(char byte);
-    /// Battery, bit 2 of byte 2.
+    /// Battery. Emits updateVehicleBattery() on a change.
+    /// @param byte  byte 2 of the payload: bit 2
     void onVehicleBatteryStatus(char byte);
-    /// States of the tires, byte 1.
+    /// States of the tires. Emits updateVehicleTire() on a change.
+    /// @param data  the whole payload: two bits a tire in byte 1, the first tire's lowest
     void onVehicleTire(QByteArray data);
-    /// State of the check-engine lamp, byte 2.
+    /// State of the check-engine lamp. Emits updateVehicleCheckEngineState() on a change.
+    /// @param data  the whole payload: bits 0 and 1 of byte 2
     void onVehicleCheckEngineState(QByteArray data);
-    /// States of the custom labels, byte 2.
+    /// States of the custom labels. Emits updateVehicleComLabelsState() on a change.
+    /// @param data  the whole payload: bits 4 and 5, and 6 and 7, of byte 2
     void onVehicleComLabelsState(QByteArray data);
-    /// Texts of the tires, from byte 3 on.
+    /// Texts of the tires. A change, or an empty list, is announced by updateVehicleTireText() after 300 ms.
+    /// @param data  the whole payload: zero-terminated texts in UTF-8 from byte 3 on
     void onVehicleTireText(QByteArray data);
 
 Q_SIGNALS:
-    /// Screen title, cleaned of bytes that are no UTF-8. An empty one is announced each time it arrives.
+    /// Title of the screen. An empty one is announced each time it arrives.
+    /// @param TopText  cleaned of bytes that are no UTF-8
     void updateVehicleTopText(QString TopText);
     /// Custom labels. An empty list is announced each time it arrives.
+    /// @param Text  any number of labels, empty ones too
     void updateVehicleComText(QStringList Text);
-    /// Four flags.
+    /// Doors.
+    /// @param m_list  the flags of the doors 1 to 4; empty before the first
     void updateVehicleDoorStatus(QList<bool> m_list);
-    /// Flag of the hood.
+    /// Hood.
+    /// @param hood  the box's flag
     void updateVehicleHoodk(bool hood);
-    /// Flag of the trunk.
+    /// Trunk.
+    /// @param trunk  the box's flag
     void updateVehicleTrunk(bool trunk);
-    /// Flag of the battery.
+    /// Battery.
+    /// @param battery  the box's flag
     void updateVehicleBattery(bool battery);
-    /// Four states 0..3.
+    /// States of the tires 1 to 4, 0..3 each; an empty list before the first.
     void updateVehicleTire(QList<int>);
-    /// State 0..3.
+    /// State of the check-engine lamp.
+    /// @param state  0..3; 0 before the first
     void updateVehicleCheckEngineState(int state);
-    /// States 0..3, -1 before the first.
+    /// States of the custom labels.
+    /// @param state1, state2  0..3; -1 before the first
     void updateVehicleComLabelsState(int state1, int state2);
     /// Texts of the tires, 300 ms after they change. An empty list counts as a change each time it arrives.
     void updateVehicleTireText(QStringList);
@@ -96,7 +119,7 @@ public Q_SLOTS:
     void customControl1();
     /// Second custom control.
     void customControl2();
-    /// Announces the tire texts.
+    /// Emits updateVehicleTireText(): the timer of the tire texts.
     void onTimerOut();
 
 private:
