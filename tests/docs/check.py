@@ -6,6 +6,7 @@ import sys
 
 import claims
 import diagrams
+import form
 import links
 import markdown
 import names
@@ -32,6 +33,7 @@ def check_commands(tree):
 
 CHECKS = {
     "links": check_links,
+    "form": lambda tree: form.check(markdown.documents(tree.root)),
     "names": check_names,
     "commands": check_commands,
     "structure": lambda tree: structure.check(tree.root),

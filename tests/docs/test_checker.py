@@ -9,6 +9,7 @@ import unittest
 
 import claims
 import diagrams
+import form
 import includes
 import links
 import markdown
@@ -260,6 +261,27 @@ class Drawings(TreeTest):
     def test_finds_a_source_without_a_picture(self):
         self.write("docs/diagrams/a.dot", "digraph a {}")
         self.assertEqual(diagrams.check(self.root), ["a.dot: there is no a.svg"])
+
+
+class Form(TreeTest):
+    """The common form."""
+
+    def findings(self, text):
+        self.write("docs/page.md", text)
+        return form.check(self.documents())
+
+    def test_takes_a_document_in_form(self):
+        self.assertEqual(self.findings("# Page\n\nWhat it is. For people who\nread.\n\n- a\n\n    b\n\n```sh\nls\n```\n"), [])
+
+    def test_finds_an_opening_that_does_not_say_for_whom(self):
+        self.assertIn("for whom", self.findings("# Page\n\nWhat it is.\n\nFor people who read.\n")[0])
+        self.assertIn("with its title", self.findings("Page\n\nFor people who read.\n")[0])
+
+    def test_finds_blocks_that_are_shown_otherwise(self):
+        start = "# Page\n\nFor who reads.\n\n"
+        self.assertIn("page.md:5: a block without a language", self.findings(start + "```\nls\n```\n")[0])
+        self.assertIn("page.md:5: a block is fenced", self.findings(start + "    ls\n")[0])
+        self.assertIn("without a prompt", self.findings(start + "```sh\n$ ls\n```\n")[0])
 
 
 class Blocks(TreeTest):
