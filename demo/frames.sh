@@ -16,4 +16,5 @@ program=$build/bin/canbus-headunit-frames
     echo "frames.sh: there is no $program: configure with -DCANBUS_BUILD_DEMO=ON and build canbus-headunit-frames" >&2
     exit 2
 }
-QT_QPA_PLATFORM=offscreen exec "$program" "$@"
+# By the emulator where the program is for another machine.
+QT_QPA_PLATFORM=offscreen exec ${CANBUS_EMULATOR:+"$CANBUS_EMULATOR"} "$program" "$@"

@@ -33,10 +33,29 @@ if(CANBUS_SANITIZE STREQUAL "address")
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0")
 endif()
 
+# What a processor makes different shows in these first: the sign of char, the size of numbers, alignment, and a whole
+# link. packaging/cross/cross.sh --short builds and runs them alone.
+set(CANBUS_SHORT_CROSS_TESTS
+  tst_bytes
+  tst_e2e_climate
+  tst_framedecoder
+  tst_frameformat
+  tst_grouptexts
+  tst_hostilepayloads
+  tst_receivepath
+  tst_recording
+  tst_text
+)
+add_custom_target(short_cross_tests)
+
 # canbus_run_test(NAME SECONDS [VARIABLE=VALUE...]): how each test that was added is run. So long may it take where
 # nothing slows it down, and with these variables in its environment, which come after those of all tests.
 function(canbus_run_test name seconds)
   math(EXPR limit "${seconds} * ${CANBUS_TEST_PATIENCE}")
   set_tests_properties(${name} PROPERTIES TIMEOUT ${limit})
   set_property(TEST ${name} APPEND PROPERTY ENVIRONMENT ${CANBUS_TEST_ENVIRONMENT} ${ARGN})
+  if(name IN_LIST CANBUS_SHORT_CROSS_TESTS)
+    set_property(TEST ${name} APPEND PROPERTY LABELS short)
+    add_dependencies(short_cross_tests ${name})
+  endif()
 endfunction()

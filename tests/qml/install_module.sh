@@ -12,6 +12,7 @@ work=$build/qml-install-check
 prefix=$work/moved
 module=$prefix/$qml_dir/CanBus
 children=()
+emulator=(${CANBUS_EMULATOR:+"$CANBUS_EMULATOR"}) # runs what is installed where it is for another machine
 unset LD_LIBRARY_PATH DESTDIR QML2_IMPORT_PATH
 export QT_QPA_PLATFORM=offscreen QT_QUICK_BACKEND=software QML_DISABLE_DISK_CACHE=1
 export XDG_RUNTIME_DIR=$work/runtime
@@ -63,7 +64,7 @@ build_screen() {
 # expect_complaint IMPORT_PATH LINE: the screen ends with status 1 and this line alone.
 expect_complaint() {
     local status=0 said
-    said=$(QML2_IMPORT_PATH=$1 timeout 60 "$work/screen/minimal-qml" /dev/null 2>&1) || status=$?
+    said=$(QML2_IMPORT_PATH=$1 timeout 60 "${emulator[@]}" "$work/screen/minimal-qml" /dev/null 2>&1) || status=$?
     [ "$status" -eq 1 ] || fail "without a module the screen ends with status $status: $said"
     [ "$said" = "$2" ] || fail "without a module the screen says \"$said\", not \"$2\""
 }
@@ -88,10 +89,10 @@ next_line() {
 # The box of the same package sees the screen's link come up.
 expect_link() {
     local box
-    exec {box}< <(exec "$prefix/bin/canbus-boxsim" --pty "$work/box" --json 2>"$work/box.log" </dev/null)
+    exec {box}< <(exec "${emulator[@]}" "$prefix/bin/canbus-boxsim" --pty "$work/box" --json 2>"$work/box.log" </dev/null)
     children+=($!)
     next_line 60 "ready " <&"$box" || fail "the box was not ready: $(cat "$work/box.log")"
-    QML2_IMPORT_PATH=$prefix/$qml_dir "$work/screen/minimal-qml" "$work/box" >"$work/screen.log" 2>&1 </dev/null &
+    QML2_IMPORT_PATH=$prefix/$qml_dir "${emulator[@]}" "$work/screen/minimal-qml" "$work/box" >"$work/screen.log" 2>&1 </dev/null &
     children+=($!)
     next_line 60 '"event":"linkUp"' <&"$box" || fail "the link did not come up: $(tail "$work/screen.log")"
     end_children

@@ -12,7 +12,16 @@ work=$build/install-check
 prefix=$work/moved
 here=$source/tests/e2e/install
 children=()
+compile=("$cxx" -std=c++17)
 unset LD_LIBRARY_PATH DESTDIR
+
+# For another machine: what runs its programs, and where the compiler and pkg-config find its files.
+emulator=(${CANBUS_EMULATOR:+"$CANBUS_EMULATOR"})
+if [ ${#emulator[@]} -gt 0 ]; then
+    libraries=$CANBUS_SYSROOT/usr/lib/$("$cxx" -print-multiarch)
+    compile+=("--sysroot=$CANBUS_SYSROOT" "-Wl,-rpath-link,$libraries")
+    export PKG_CONFIG_SYSROOT_DIR=$CANBUS_SYSROOT PKG_CONFIG_LIBDIR=$libraries/pkgconfig
+fi
 
 fail() {
     printf 'install_package: %s\n' "$*" >&2
@@ -50,7 +59,7 @@ install_and_move() {
 }
 
 # dynamic_entry FILE NAME: such as SONAME
-dynamic_entry() { objdump -p "$1" | awk -v name="$2" '$1 == name { print $2 }'; }
+dynamic_entry() { LC_ALL=C readelf -d "$1" | sed -nE "s/.*\($2\).*\[(.*)\]$/\1/p"; }
 
 expect_entry() {
     local found
@@ -67,7 +76,7 @@ expect_names_and_paths() {
     for command in canbus-boxsim canbus-monitor; do
         # shellcheck disable=SC2016
         expect_entry "bin/$command" RUNPATH '$ORIGIN/../lib'
-        "$prefix/bin/$command" --version >/dev/null || fail "$command does not run where it is installed"
+        "${emulator[@]}" "$prefix/bin/$command" --version >/dev/null || fail "$command does not run where it is installed"
     done
 }
 
@@ -90,7 +99,12 @@ expect_exports() {
     [ -z "$strangers" ] || fail "exported, and no part of the interface:"$'\n'"$strangers"
 }
 
-flags() { PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config "$@" canbusservice; }
+# pkg-config takes it that all it finds lies in the other machine's root, and this package does not.
+flags() {
+    local found
+    found=$(PKG_CONFIG_PATH=$prefix/lib/pkgconfig pkg-config "$@" canbusservice)
+    printf '%s\n' "${found//"${PKG_CONFIG_SYSROOT_DIR:-}$prefix"/"$prefix"}"
+}
 
 build_by_package() {
     "$cmake" -S "$source/examples/minimal-host" -B "$work/by-package" -G Ninja \
@@ -101,7 +115,7 @@ build_by_package() {
 build_by_flags() {
     mkdir "$work/by-flags"
     # shellcheck disable=SC2046 # the flags are words
-    "$cxx" -std=c++17 -o "$work/by-flags/minimal-host" "$source/examples/minimal-host/main.cpp" \
+    "${compile[@]}" -o "$work/by-flags/minimal-host" "$source/examples/minimal-host/main.cpp" \
         $(flags --cflags --libs)
 }
 
@@ -110,7 +124,7 @@ expect_headers_stand_alone() {
     local header
     (cd "$prefix/include/canbusservice" && find . -name '*.h' -printf '%f\n') | while read -r header; do
         # shellcheck disable=SC2046 # the flags are words
-        "$cxx" -std=c++17 -fsyntax-only $(flags --cflags) -x c++ - <<<"#include <$header>" \
+        "${compile[@]}" -fsyntax-only $(flags --cflags) -x c++ - <<<"#include <$header>" \
             || fail "$header does not stand alone"
     done
 }
@@ -127,10 +141,10 @@ next_line() {
 # expect_climate PROGRAM: it prints a temperature that the installed box reports.
 expect_climate() {
     local box host
-    exec {box}< <(exec "$prefix/bin/canbus-boxsim" --pty "$work/box" 2>"$work/box.log" </dev/null)
+    exec {box}< <(exec "${emulator[@]}" "$prefix/bin/canbus-boxsim" --pty "$work/box" 2>"$work/box.log" </dev/null)
     children+=($!)
     next_line 60 "ready " <&"$box" || fail "the box was not ready: $(cat "$work/box.log")"
-    exec {host}< <(exec "$1" "$work/box" 2>"$work/host.log" </dev/null)
+    exec {host}< <(exec "${emulator[@]}" "$1" "$work/box" 2>"$work/host.log" </dev/null)
     children+=($!)
     next_line 60 "main zone: " <&"$host" || fail "$1 printed no temperature: $(tail "$work/host.log")"
     end_children
