@@ -71,7 +71,7 @@ class Vocabulary:
 
     def has_path(self, name, folder):
         """Whether a file or folder is there: from the root, from the document's folder, or by its bare name."""
-        pattern = re.sub(r"\b(NAME|TARGET|FOLDER|FILE|PRESET|ARCH)\b", "*", name.rstrip("/"))
+        pattern = re.sub(r"(?<![A-Za-z])(NAME|TARGET|FOLDER|FILE|PRESET|ARCH)(?![A-Za-z])", "*", name.rstrip("/"))
         if name.endswith("/") and "/" not in pattern:
             return any(folder.name == pattern for folder in self.folders)
         if "/" not in pattern and "*" not in pattern:
