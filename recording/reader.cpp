@@ -46,10 +46,10 @@ private:
     QString takeByteOrder();
     QString measure(quint32 type, quint32 *length) const;
     QString takeBody(quint32 type, const Bytes &block);
-    QString takeSection(const Bytes &block);
-    QString takeInterface(const Bytes &block);
-    QString takePacket(const Bytes &block, quint32 interface);
-    QString takeSimplePacket(const Bytes &block);
+    QString takeSection(const Bytes &body);
+    QString takeInterface(const Bytes &body);
+    QString takePacket(const Bytes &body, quint32 interface);
+    QString takeSimplePacket(const Bytes &body);
     void add(Direction direction, const Bytes &bytes);
 
     Bytes rest() const { return {m_file.constData() + m_at, m_file.size() - m_at, m_isBigEndian}; }
@@ -114,16 +114,29 @@ QString Parser::takeByteOrder()
     return {};
 }
 
+/// The least length of a block of this type.
+int shortestOf(quint32 type)
+{
+    switch (type) {
+    case pcapng::kSectionHeader:
+        return pcapng::kShortestSectionHeader;
+    case pcapng::kInterfaceDescription:
+        return pcapng::kShortestInterfaceDescription;
+    case pcapng::kEnhancedPacket:
+    case pcapng::kPacket:
+        return pcapng::kShortestEnhancedPacket;
+    case pcapng::kSimplePacket:
+        return pcapng::kShortestSimplePacket;
+    default:
+        return pcapng::kShortestBlock;
+    }
+}
+
 /// Finds out how long the block is, and that it is whole.
 QString Parser::measure(quint32 type, quint32 *length) const
 {
     const auto first = rest().number<quint32>(4);
-    const int shortest = type == pcapng::kSectionHeader              ? pcapng::kShortestSectionHeader
-        : type == pcapng::kInterfaceDescription                      ? pcapng::kShortestInterfaceDescription
-        : type == pcapng::kSimplePacket                              ? pcapng::kShortestSimplePacket
-        : type == pcapng::kEnhancedPacket || type == pcapng::kPacket ? pcapng::kShortestEnhancedPacket
-                                                                     : pcapng::kShortestBlock;
-    if (first < quint32(shortest) || first > kLongestBlock || first % 4 != 0)
+    if (first < quint32(shortestOf(type)) || first > kLongestBlock || first % 4 != 0)
         return here(QStringLiteral("has an impossible length, %1").arg(first));
     if (first > rest().size())
         return cut();
