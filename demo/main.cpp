@@ -128,7 +128,7 @@ int main(int argc, char *argv[])
         return answer(helpText());
     }
     if (options.wantsVersion)
-        return answer(QStringLiteral("canbus-headunit " CANBUS_HEADUNIT_VERSION "\n"));
+        return answer(QStringLiteral("canbus-headunit " CANBUS_VERSION "\n"));
     if (!options.scenario.isEmpty() && !isScenario(options.scenario, &error))
         return fail(kWrongArguments, error);
     takeMessages();

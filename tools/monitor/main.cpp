@@ -63,7 +63,7 @@ int main(int argc, char *argv[])
     if (options->wantsHelp)
         return printAnswer(monitor::helpText().trimmed(), stopDescriptor);
     if (options->wantsVersion)
-        return printAnswer(QStringLiteral("canbus-monitor " CANBUS_MONITOR_VERSION), stopDescriptor);
+        return printAnswer(QStringLiteral("canbus-monitor " CANBUS_VERSION), stopDescriptor);
     if (readsRecording)
         return monitor::Playback(*options, stopDescriptor).run();
     return monitor::Monitor(*options, stopDescriptor).run();

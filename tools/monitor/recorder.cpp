@@ -19,7 +19,7 @@ Recorder::~Recorder() = default;
 
 std::shared_ptr<Recorder> Recorder::open(const QString &path, const QString &port, QString *error)
 {
-    const QString program = QStringLiteral("canbus-monitor " CANBUS_MONITOR_VERSION);
+    const QString program = QStringLiteral("canbus-monitor " CANBUS_VERSION);
     std::shared_ptr<Recorder> recorder(new Recorder);
     if (recorder->m_writer.open(path, {QStringLiteral("%1 on %2").arg(program, port), program, port}))
         return recorder;
