@@ -97,8 +97,8 @@ private:
         if (!isSet("baud"))
             return true;
         bool ok = false;
-        m_options->baud = value("baud").toInt(&ok);
-        return (ok && m_options->baud > 0)
+        m_options->baudRate = value("baud").toInt(&ok);
+        return (ok && m_options->baudRate > 0)
             || refuse(QStringLiteral("--baud %1: write a whole number above 0, for example 57600")
                           .arg(quoted(value("baud"))));
     }

@@ -12,7 +12,7 @@ QStringList pageNames();
 /// What canbus-headunit was asked to do.
 struct Options {
     QString port = QStringLiteral("/dev/ttyS3");
-    int baud = 57600;
+    int baudRate = 57600;
     bool simulates = false; ///< has a simulated box of its own in the place of a port
     bool hasPanel = false;  ///< and a window that plays the car
     bool parks = false;     ///< the simulated car stands, where no scenario is named

@@ -66,8 +66,8 @@ bool Unit::start(QString *error)
     if (m_options.simulates && !startBox(error))
         return false;
     m_protocol = std::make_unique<VelCanBusProtocol>();
-    if (!openFacadePort(m_options.port, m_options.baud, m_protocol.get())) {
-        *error = facadePortError(m_options.port, m_options.baud,
+    if (!openFacadePort(m_options.port, m_options.baudRate, m_protocol.get())) {
+        *error = facadePortError(m_options.port, m_options.baudRate,
                                  QStringLiteral("name the box's device with --port, or take --simulate"));
         return false;
     }

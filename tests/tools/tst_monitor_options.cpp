@@ -39,7 +39,7 @@ void tst_monitor_options::hasDefaults()
     const auto options = parsed({});
     QVERIFY(options);
     QCOMPARE(options->port, QStringLiteral("/dev/ttyS3"));
-    QCOMPARE(options->baud, 57600);
+    QCOMPARE(options->baudRate, 57600);
     QVERIFY(options->form == Form::Text);
     QVERIFY(!options->durationMs);
     QCOMPARE(options->calls, QStringList());
@@ -58,7 +58,7 @@ void tst_monitor_options::takesEveryOption()
                                  "--record", "drive.pcapng", "--stats"});
     QVERIFY2(options, qPrintable(options.error()));
     QCOMPARE(options->port, QStringLiteral("/dev/ttyUSB0"));
-    QCOMPARE(options->baud, 9600);
+    QCOMPARE(options->baudRate, 9600);
     QVERIFY(options->form == Form::Json);
     QCOMPARE(options->durationMs.value_or(0), 2500);
     QCOMPARE(options->calls, (QStringList {"climate.acBtn", "climate.manualTemp=21"}));

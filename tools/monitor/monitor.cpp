@@ -87,12 +87,12 @@ void Monitor::start()
     if (!m_isOpen) {
         if (m_recorder)
             m_recorder->discard();
-        complain(facadePortError(m_options.port, m_options.baud,
+        complain(facadePortError(m_options.port, m_options.baudRate,
                                  QStringLiteral("name the box's device with --port")));
         end(kFailure);
         return;
     }
-    Q_EMIT m_host->portOpened(m_options.port, m_options.baud);
+    Q_EMIT m_host->portOpened(m_options.port, m_options.baudRate);
     if (m_options.durationMs)
         QTimer::singleShot(*m_options.durationMs, Qt::PreciseTimer, this, [this] {
             if (!endIfPortIsGone())
@@ -137,7 +137,7 @@ bool Monitor::openPort()
     m_protocol = std::make_unique<VelCanBusProtocol>();
     if (m_recorder)
         Recorder::start(m_recorder, m_protocol.get());
-    return openFacadePort(m_options.port, m_options.baud, m_protocol.get());
+    return openFacadePort(m_options.port, m_options.baudRate, m_protocol.get());
 }
 
 void Monitor::startStats()

@@ -47,14 +47,14 @@ void setUp(QCommandLineParser &parser)
     parser.addOptions(allOptions());
 }
 
-Outcome<int> parseBaud(const QString &text)
+Outcome<int> parseBaudRate(const QString &text)
 {
     bool ok = false;
-    const int baud = text.toInt(&ok);
-    if (!ok || baud <= 0)
+    const int baudRate = text.toInt(&ok);
+    if (!ok || baudRate <= 0)
         return Failure {
             QStringLiteral("--baud %1: write a whole number above 0, for example 57600").arg(quoted(text))};
-    return baud;
+    return baudRate;
 }
 
 Outcome<int> parseDuration(const QString &text)
@@ -137,10 +137,10 @@ Outcome<Options> checkedOptions(const QCommandLineParser &parser)
     if (options.port.isEmpty())
         return Failure {QStringLiteral("--port is empty: write a device, for example /dev/ttyS3")};
     if (parser.isSet(QStringLiteral("baud"))) {
-        const Outcome<int> baud = parseBaud(parser.value(QStringLiteral("baud")));
-        if (!baud)
-            return baud.failure();
-        options.baud = *baud;
+        const Outcome<int> baudRate = parseBaudRate(parser.value(QStringLiteral("baud")));
+        if (!baudRate)
+            return baudRate.failure();
+        options.baudRate = *baudRate;
     }
     if (parser.isSet(QStringLiteral("for"))) {
         const Outcome<int> duration = parseDuration(parser.value(QStringLiteral("for")));

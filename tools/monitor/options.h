@@ -13,7 +13,7 @@ namespace canbus::monitor {
 /// What the command line asked for.
 struct Options {
     QString port = QStringLiteral("/dev/ttyS3");
-    int baud = 57600;
+    int baudRate = 57600;
     Form form = Form::Text;
     std::optional<int> durationMs; ///< without it the monitor runs until it is told to end
     QStringList calls;             ///< as they were written, the one that shows a screen first
