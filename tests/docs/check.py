@@ -10,6 +10,7 @@ import form
 import links
 import markdown
 import names
+import performance
 import plan
 import structure
 
@@ -36,6 +37,7 @@ CHECKS = {
     "form": lambda tree: form.check(markdown.documents(tree.root)),
     "names": check_names,
     "commands": check_commands,
+    "performance": lambda tree: performance.check(tree.root),
     "structure": lambda tree: structure.check(tree.root),
     "diagrams": lambda tree: diagrams.check(tree.root),
 }

@@ -4,6 +4,7 @@
 import contextlib
 import io
 import pathlib
+import re
 import tempfile
 import unittest
 
@@ -14,6 +15,7 @@ import includes
 import links
 import markdown
 import names
+import performance
 import plan
 import run
 import shell
@@ -282,6 +284,28 @@ class Form(TreeTest):
         self.assertIn("page.md:5: a block without a language", self.findings(start + "```\nls\n```\n")[0])
         self.assertIn("page.md:5: a block is fenced", self.findings(start + "    ls\n")[0])
         self.assertIn("without a prompt", self.findings(start + "```sh\n$ ls\n```\n")[0])
+
+
+class Figures(unittest.TestCase):
+    """The figures of the benches."""
+
+    def test_tells_figures_apart_that_the_baseline_would_not_let_pass(self):
+        for written, expected, is_different in (("1,040 instr.", "1,000 instr.", False), ("1,060 instr.", "1,000 instr.", True),
+                                                ("0", "0", False), ("1", "0", True), ("", "", False), ("", "5", True)):
+            self.assertEqual(performance.differ(written, expected), is_different, (written, expected))
+
+    def test_finds_a_row_that_has_moved(self):
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(__file__).resolve().parents[2]
+            (pathlib.Path(folder) / "bench").symlink_to(root / "bench")
+            (pathlib.Path(folder) / "docs").mkdir()
+            page = (root / "docs/performance.md").read_text(encoding="utf-8")
+            copy = pathlib.Path(folder) / "docs/performance.md"
+            copy.write_text(page, encoding="utf-8")
+            self.assertEqual(performance.check(folder), [])
+            copy.write_text(re.sub(r"(\| an idle tick \| )\d+", r"\g<1>999", page.replace("| at most 400 instr.", "| at most 401 instr.")),
+                            encoding="utf-8")
+            self.assertEqual(len(performance.check(folder)), 4)
 
 
 class Blocks(TreeTest):
