@@ -3,7 +3,7 @@
 #include "dialface.h"
 #include "errors.h"
 
-#include "commandline/facadeport.h"
+#include "commandline/facade/facadeport.h"
 
 #include <QtCore/QDir>
 #include <QtGui/QFontDatabase>

@@ -1,7 +1,7 @@
 #include "monitor.h"
 
 #include "commandline/exitstatus.h"
-#include "commandline/facadeport.h"
+#include "commandline/facade/facadeport.h"
 #include "commandline/linereader.h"
 #include "hostcontrols.h"
 #include "linkhints.h"

@@ -1,6 +1,6 @@
 #include "facadeport.h"
 
-#include "devicename.h"
+#include "commandline/devicename.h"
 
 #include <QtCore/QMetaMethod>
 #include <QtSerialPort/QSerialPort>
