@@ -27,9 +27,7 @@ QByteArray climateTypePayload(const ClimateState &state)
 
 QByteArray climateLabelsPayload(const ClimateState &state)
 {
-    QByteArray payload;
-    appendTexts(payload, state.labels);
-    return payload;
+    return textsPayload(state.labels);
 }
 
 QByteArray climateDataPayload(const ClimateState &s)

@@ -33,13 +33,6 @@ QByteArray fitted(const QString &text, int room)
     return utf8.left(size).leftJustified(room, '\0');
 }
 
-QByteArray textsPayload(const QStringList &texts)
-{
-    QByteArray payload;
-    appendTexts(payload, texts);
-    return payload;
-}
-
 } // namespace
 
 bool operator==(const GaugesState &a, const GaugesState &b)

@@ -22,16 +22,12 @@ bool operator==(const ParkingState &a, const ParkingState &b)
 
 QByteArray parkingTitlePayload(const ParkingState &state)
 {
-    QByteArray payload;
-    appendText(payload, state.title);
-    return payload;
+    return textsPayload({state.title});
 }
 
 QByteArray parkingLabelsPayload(const ParkingState &state)
 {
-    QByteArray payload;
-    appendTexts(payload, state.labels);
-    return payload;
+    return textsPayload(state.labels);
 }
 
 QByteArray parkingDataPayload(const ParkingState &s)

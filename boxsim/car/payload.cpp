@@ -37,4 +37,11 @@ void appendTexts(QByteArray &payload, const QStringList &texts)
         appendText(payload, text);
 }
 
+QByteArray textsPayload(const QStringList &texts)
+{
+    QByteArray payload;
+    appendTexts(payload, texts);
+    return payload;
+}
+
 } // namespace boxsim

@@ -46,6 +46,9 @@ void appendText(QByteArray &payload, const QString &text);
 /// Appends each text in UTF-8, closed by a zero.
 void appendTexts(QByteArray &payload, const QStringList &texts);
 
+/// A payload that is nothing but texts, each in UTF-8 and closed by a zero.
+QByteArray textsPayload(const QStringList &texts);
+
 template <class T>
 void applyChange(T &item, const T &before, const T &after)
 {

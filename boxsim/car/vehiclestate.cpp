@@ -22,16 +22,12 @@ bool operator==(const VehicleState &a, const VehicleState &b)
 
 QByteArray vehicleTitlePayload(const VehicleState &state)
 {
-    QByteArray payload;
-    appendText(payload, state.title);
-    return payload;
+    return textsPayload({state.title});
 }
 
 QByteArray vehicleLabelsPayload(const VehicleState &state)
 {
-    QByteArray payload;
-    appendTexts(payload, state.labels);
-    return payload;
+    return textsPayload(state.labels);
 }
 
 QByteArray vehicleDataPayload(const VehicleState &s)
