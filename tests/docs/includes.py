@@ -13,7 +13,7 @@ PARTS = {
     "hostsdk/include/": "hostsdk",
     "hostsdk/reference/": "reference",
     "commandline/": "commandline",
-    "commandline/facade": "facadeport",
+    "commandline/facade/": "facade",
     "recording/": "recording",
     "boxsim/": "boxsim",
     "tools/monitor/": "monitor",
