@@ -35,8 +35,7 @@ public:
     QVariantMap numbers() const { return m_numbers; }
 
     /// @param numbers  by the names of the properties, from `climate` to `menu`; a screen without a number
-    /// from
-    ///   0 to 4 counts as not supported
+    ///   from 0 to 4 counts as not supported
     void setNumbers(const QVariantMap &numbers);
 
 Q_SIGNALS:
