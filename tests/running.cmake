@@ -6,18 +6,23 @@ if(CMAKE_CROSSCOMPILING OR CANBUS_SANITIZE STREQUAL "thread")
   set(CANBUS_TEST_PATIENCE 5)
 endif()
 
-# In a cross build ctest starts the tests in the emulator, and they start programs of the build by this script: one
-# word, which becomes the emulator's own process. What they build themselves is for the target too.
+# In a cross build ctest starts the tests in the emulator, and they start programs of the build there too, by a script:
+# one word, which becomes the emulator's own process. What they build themselves is for the target as well.
 set(CANBUS_TEST_ENVIRONMENT "")
 if(CMAKE_CROSSCOMPILING)
   list(APPEND CANBUS_TEST_ENVIRONMENT
     "CMAKE_TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}" "CANBUS_SYSROOT=${CMAKE_SYSROOT}")
   if(CMAKE_CROSSCOMPILING_EMULATOR)
     list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "' '" canbus_emulator_words)
-    file(GENERATE OUTPUT "${PROJECT_BINARY_DIR}/emulator"
-      CONTENT "#!/bin/sh\nexec '${canbus_emulator_words}' \"$@\"\n"
+    foreach(kind qml plugins)
+      find_path(canbus_root_${kind} NAMES QtQuick.2 platforms NO_CACHE NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH
+        PATHS "${CMAKE_SYSROOT}/usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/qt5/${kind}" "${CMAKE_SYSROOT}/usr/lib/qt5/${kind}"
+          "${CMAKE_SYSROOT}/usr/lib/${kind}" "${CMAKE_SYSROOT}/usr/${kind}")
+    endforeach()
+    configure_file("${CMAKE_CURRENT_LIST_DIR}/emulator.sh.in" "${PROJECT_BINARY_DIR}/emulator" @ONLY
       FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-    list(APPEND CANBUS_TEST_ENVIRONMENT "CANBUS_EMULATOR=${PROJECT_BINARY_DIR}/emulator")
+    set(CMAKE_CROSSCOMPILING_EMULATOR "${PROJECT_BINARY_DIR}/emulator")
+    list(APPEND CANBUS_TEST_ENVIRONMENT "CANBUS_EMULATOR=${CMAKE_CROSSCOMPILING_EMULATOR}")
   else()
     message(WARNING "There is no emulator for the tests: they are built, and do not run here. On Debian it is in qemu-user")
   endif()
