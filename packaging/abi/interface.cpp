@@ -15,7 +15,9 @@
 
 namespace canbus {
 
-Q_DECL_EXPORT void facade(CanBusPlayer *, CanBusPlayer::TextScreen *, CanBusDataMap *, SerialPort *) {}
+Q_DECL_EXPORT void facade(CanBusPlayer *, CanBusPlayer::TextScreen *, CanBusDataMap *, SerialPort *)
+{
+}
 
 Q_DECL_EXPORT void link(CanbusProtocol *, VelCanBusProtocol *, CanbusTickThread *, CanBusReadBuff *,
                         FrameDataFormat *, LinkHealth *, LinkHealth::Fate, LinkFigures *)
@@ -27,6 +29,8 @@ Q_DECL_EXPORT void groups(VelClimateGroupCmd *, VelGaugesGroupCmd *, VelParkingG
 {
 }
 
-Q_DECL_EXPORT void log(logging::Line *, logging::Origin *, logging::Hex *, logging::AsIs *) {}
+Q_DECL_EXPORT void log(logging::Line *, logging::Origin *, logging::Hex *, logging::AsIs *)
+{
+}
 
 } // namespace canbus
