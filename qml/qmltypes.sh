@@ -6,9 +6,8 @@ set -euo pipefail
 
 action=$1 dump=$2 import_dir=$3 file=$4
 
-emulator=(${CANBUS_EMULATOR:+"$CANBUS_EMULATOR"}) # runs the tool where it is another machine's
 # From within, so that the file names no folder.
-types=$(cd "$import_dir" && QT_QPA_PLATFORM=offscreen "${emulator[@]}" "$dump" -nonrelocatable CanBus 1.0 . 2>/dev/null) || {
+types=$(cd "$import_dir" && QT_QPA_PLATFORM=offscreen "$dump" -nonrelocatable CanBus 1.0 . 2>/dev/null) || {
     echo "qmltypes: $dump could not load the module from $import_dir" >&2
     exit 1
 }

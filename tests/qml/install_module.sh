@@ -47,8 +47,10 @@ expect_files() {
     done
 }
 
-# The tool loads the plugin, which has nothing but its own path to find the library by.
+# The tool loads the plugin, which has nothing but its own path to find the library by. Another machine's tool starts
+# a second one, which no emulator is there for.
 expect_types() {
+    [ ${#emulator[@]} -eq 0 ] || return 0
     "$source/qml/qmltypes.sh" --check "$dump" "$prefix/$qml_dir" "$module/plugins.qmltypes" \
         || fail "the installed plugin does not load, or has other types than its qmltypes"
 }
