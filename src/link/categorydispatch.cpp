@@ -43,10 +43,8 @@ VelCanBusProtocol::ParseOperation VelCanBusProtocol::parseOperationFor(quint8 tp
 
 void VelCanBusProtocol::onAllocateData()
 {
-    if (const ParseOperation parse = parseOperationFor(firstByte(d->decoded.TP))) {
-        d->isPayloadGiven = true;
+    if (const ParseOperation parse = parseOperationFor(firstByte(d->decoded.TP)))
         (this->*parse)(&d->decoded); // GCOVR_EXCL_BR_LINE: none of them is virtual
-    }
 }
 
 void VelCanBusProtocol::parse_GetVersion(FrameDataFormat *frame)

@@ -10,7 +10,6 @@
 #include "velcanbusprotocol_p.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace canbus {
 
@@ -125,12 +124,8 @@ void VelCanBusProtocol::onRemoveEscapeFrameHeaders(int start, int end)
 
 bool VelCanBusProtocol::checkXOR(int start, int end)
 {
-    // Not emptied but let go of: another thread may have read, until a moment ago, what was handed over to
-    // it.
+    // Not emptied but let go of: whoever was given the payload may be reading it on another thread.
     d->decoded.DATA.clear();
-    // Whoever has been given the payload may be reading it on another thread: it is not written to again.
-    if (std::exchange(d->isPayloadGiven, false))
-        d->decoded.DATA.clear();
     d->decoded.clear();
     const receive::Check check = receive::checkFrame(CanBusReadBuff::instance()->data, start, end);
     d->decoded.CS = check.computed;

@@ -89,7 +89,6 @@ public:
     receive::Markers markers;
     QByteArray frameBytes;
     FrameDataFormat decoded;
-    bool isPayloadGiven = false; // the decoded frame's, to those who store it and hear of it
 
     // Set in the protocol's constructor and destructor.
     CanbusTickThread *tickThread = nullptr;
