@@ -2,7 +2,7 @@
 
 #include "exitplan.h"
 
-#include <boxsim/bench.h>
+#include <boxsim/bench/bench.h>
 #include <pseudoterminal.h>
 
 #include <QtCore/QElapsedTimer>

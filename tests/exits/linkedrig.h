@@ -2,7 +2,7 @@
 
 #include "traffic.h"
 
-#include <boxsim/bench.h>
+#include <boxsim/bench/bench.h>
 #include <canbusplayerprobe.h>
 #include <pseudoterminal.h>
 #include <serialport.h>
