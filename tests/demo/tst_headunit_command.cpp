@@ -1,8 +1,12 @@
+#include <QtCore/QDir>
+#include <QtCore/QFile>
 #include <QtCore/QLibraryInfo>
 #include <QtCore/QProcess>
+#include <QtCore/QProcessEnvironment>
+#include <QtCore/QSet>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QImage>
-#include <QtTest>
+#include <QtTest/QTest>
 
 #include <pseudoterminal.h>
 #include <runnable.h>

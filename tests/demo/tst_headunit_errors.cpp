@@ -1,7 +1,7 @@
 #include "errors.h"
 
 #include <QtQml/QQmlError>
-#include <QtTest>
+#include <QtTest/QTest>
 
 // What is said when the screens do not load, for each module that can be missing.
 

@@ -1,8 +1,10 @@
 #include "host.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QWindow>
-#include <QtTest>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <datetimemanager.h>
 #include <eventhandler.h>

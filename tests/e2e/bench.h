@@ -2,8 +2,9 @@
 
 #include "program.h"
 
-#include <QTemporaryDir>
-#include <QtTest>
+#include <QtCore/QJsonObject>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 #include <memory>
 

@@ -2,7 +2,10 @@
 
 #include "drivenround.h"
 
-#include <QtTest>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QSet>
+#include <QtTest/QTest>
 
 // The road both ways: the box's climate frames become signals, the UI's buttons become commands that the box
 // names. Two processes, a pseudo-terminal, the real threads and timers.

@@ -1,6 +1,7 @@
 #include "bench.h"
 
-#include <QtTest>
+#include <QtCore/QJsonObject>
+#include <QtTest/QTest>
 
 // Every command that is no climate button, from the monitor's process to the box's, which names it; and what
 // the host's displays lead to.

@@ -1,6 +1,8 @@
 #include "bench.h"
 
-#include <QtTest>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonObject>
+#include <QtTest/QTest>
 
 // How the two sides end, in the middle of traffic: by Ctrl-C, by the other side's end, by a box that falls
 // silent.

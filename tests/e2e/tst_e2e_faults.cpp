@@ -2,8 +2,9 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
 #include <QtCore/QMap>
-#include <QtTest>
+#include <QtTest/QTest>
 
 #include <map>
 #include <memory>

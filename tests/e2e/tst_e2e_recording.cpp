@@ -2,8 +2,11 @@
 
 #include "recording/recording.h"
 
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QMap>
-#include <QtTest>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 // A run of the built-in drive is recorded once; what is read from the recording, and what a replay of it
 // brings about, is compared with what that run announced.

@@ -2,8 +2,13 @@
 
 #include "drivenround.h"
 
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
 #include <QtCore/QJsonArray>
-#include <QtTest>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QMetaMethod>
+#include <QtTest/QTest>
 
 #include <canbusplayer.h>
 #include <velclimategroupcmd.h>

@@ -1,6 +1,11 @@
 #include "bench.h"
 
-#include <QtTest>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 #include <sys/stat.h>
 

@@ -1,7 +1,8 @@
 #include "exitplan.h"
 #include "exitrun.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QEventLoop>
+#include <QtTest/QTest>
 
 #include <cstdio>
 #include <memory>

@@ -3,7 +3,9 @@
 #include <heartbeat.h>
 #include <logrecorder.h>
 
-#include <QtTest/QtTest>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QTimer>
+#include <QtTest/QTest>
 
 #include <algorithm>
 

@@ -5,7 +5,8 @@
 
 #include <hexbytes.h>
 
-#include <QtTest>
+#include <QtCore/QMetaProperty>
+#include <QtTest/QTest>
 
 #include <functional>
 

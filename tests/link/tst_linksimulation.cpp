@@ -7,7 +7,7 @@
 #include "boxsim/scenario/scenarioplayer.h"
 #include "link/frameformat.h"
 
-#include <QtTest>
+#include <QtTest/QTest>
 
 Q_DECLARE_METATYPE(LineFaults)
 

@@ -6,7 +6,10 @@
 #include "velcanbusprotocol.h"
 #include "virtualtime.h"
 
-#include <QtTest>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QRandomGenerator>
+#include <QtTest/QTest>
 
 #include <eventhandler.h>
 #include <srcdsplctrl.h>

@@ -7,7 +7,7 @@
 #include "link/frameformat.h"
 
 #include <QtCore/QDir>
-#include <QtTest>
+#include <QtTest/QTest>
 
 // The scenarios of scenarios/, each led to its end with a head unit on the line, in virtual time.
 

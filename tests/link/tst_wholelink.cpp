@@ -1,6 +1,8 @@
 #include "seedruns.h"
 
-#include <QtTest>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 #include <virtualtime.h>
 

@@ -5,7 +5,7 @@
 
 #include <QtCore/QMetaMethod>
 #include <QtCore/QMetaProperty>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <velclimategroupcmd.h>
 #include <velgaugesgroupcmd.h>

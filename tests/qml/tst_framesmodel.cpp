@@ -2,8 +2,10 @@
 
 #include <hexbytes.h>
 
+#include <QtCore/QAbstractItemModel>
 #include <QtTest/QAbstractItemModelTester>
-#include <QtTest/QtTest>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 using canbus::qml::FramesModel;
 

@@ -1,5 +1,5 @@
 #include <QtCore/QFile>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 namespace {
 

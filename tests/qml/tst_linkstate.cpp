@@ -6,9 +6,12 @@
 #include <canbusplayer.h>
 #include <velcanbusprotocol.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QMutexLocker>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

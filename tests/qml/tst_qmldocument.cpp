@@ -12,7 +12,7 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QMetaProperty>
 #include <QtCore/QRegularExpression>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

@@ -1,6 +1,6 @@
 #include "argument.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using canbus::monitor::splitArguments;
 using canbus::monitor::toArgument;

@@ -1,9 +1,12 @@
 #include "command.h"
 #include "pseudoterminal.h"
 
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
-#include <QtTest/QtTest>
+#include <QtCore/QJsonValue>
+#include <QtCore/QProcess>
+#include <QtTest/QTest>
 
 #include <csignal>
 

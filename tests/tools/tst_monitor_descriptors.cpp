@@ -3,8 +3,9 @@
 #include "output.h"
 
 #include <QtCore/QAbstractEventDispatcher>
+#include <QtCore/QEventLoop>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <csignal>
 #include <memory>

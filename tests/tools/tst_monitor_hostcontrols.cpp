@@ -7,7 +7,9 @@
 #include <srcdsplctrl.h>
 #include <touchevent.h>
 
-#include <QtTest/QtTest>
+#include <QtCore/QCoreApplication>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 using canbus::monitor::HostControls;
 

@@ -1,6 +1,6 @@
 #include "linkhints.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using canbus::LinkFigures;
 using canbus::monitor::hintsFor;

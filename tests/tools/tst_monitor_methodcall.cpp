@@ -3,7 +3,8 @@
 #include "metamethods.h"
 
 #include <QtCore/QMap>
-#include <QtTest/QtTest>
+#include <QtCore/QMetaMethod>
+#include <QtTest/QTest>
 
 #include <memory>
 

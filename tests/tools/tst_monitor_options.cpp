@@ -2,7 +2,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using canbus::monitor::Form;
 using canbus::monitor::Options;

@@ -3,7 +3,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <csignal>
 

@@ -3,8 +3,9 @@
 #include "recordedfiles.h"
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <sys/stat.h>
 

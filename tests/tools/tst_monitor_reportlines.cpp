@@ -1,7 +1,8 @@
 #include "reportlines.h"
 
 #include <QtCore/QMap>
-#include <QtTest/QtTest>
+#include <QtCore/QMetaMethod>
+#include <QtTest/QTest>
 
 using canbus::monitor::callableLine;
 using canbus::monitor::callablesOf;

@@ -1,8 +1,9 @@
 #include "signalspy.h"
 
 #include <QtCore/QMap>
+#include <QtCore/QMetaMethod>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

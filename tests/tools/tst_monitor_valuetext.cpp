@@ -1,6 +1,6 @@
 #include "valuetext.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using canbus::monitor::Form;
 using canbus::monitor::quoted;

@@ -3,7 +3,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using canbus::monitor::VirtualClock;
 

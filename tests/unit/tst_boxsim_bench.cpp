@@ -1,6 +1,6 @@
 #include "scriptedbench.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace scriptedbench;
 using boxsim::BenchOptions;

@@ -3,7 +3,7 @@
 #include "boxsim/scenario/builtindrive.h"
 #include "boxsim/scenario/scenarioplayer.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace scriptedbench;
 

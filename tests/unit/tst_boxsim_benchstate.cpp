@@ -1,6 +1,6 @@
 #include "boxsim/fields/benchstate.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::Assignment;
 using boxsim::BenchState;

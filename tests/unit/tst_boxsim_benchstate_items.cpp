@@ -1,7 +1,7 @@
 #include "boxsim/fields/benchstate.h"
 
 #include <QtCore/QSet>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <functional>
 #include <tuple>

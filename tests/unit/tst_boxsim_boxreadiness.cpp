@@ -1,6 +1,6 @@
 #include "boxbench.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace boxbench;
 using boxsim::Faults;

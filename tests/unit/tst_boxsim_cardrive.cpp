@@ -6,7 +6,9 @@
 
 #include "drivenround.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QMetaMethod>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <functional>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "boxsim/car/climatebuttons.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::ClimateState;
 using boxsim::pressClimateButton;

@@ -1,7 +1,8 @@
 #include "drivenround.h"
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QSet>
+#include <QtTest/QTest>
 
 #include <functional>
 

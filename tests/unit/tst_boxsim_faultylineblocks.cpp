@@ -1,7 +1,8 @@
 #include "faultylines.h"
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QSet>
+#include <QtTest/QTest>
 
 using boxsim::Faults;
 using boxsim::FaultyLine;

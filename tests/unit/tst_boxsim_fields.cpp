@@ -1,6 +1,6 @@
 #include "boxsim/fields/fields.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <limits>
 

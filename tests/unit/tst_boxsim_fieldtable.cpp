@@ -2,8 +2,9 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QRegularExpressionMatchIterator>
 #include <QtCore/QSet>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::Field;
 using boxsim::FieldKind;

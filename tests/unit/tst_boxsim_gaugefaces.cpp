@@ -1,6 +1,6 @@
 #include "boxsim/car/gaugefaces.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::GaugeFaces;
 using boxsim::GaugesState;

@@ -3,7 +3,12 @@
 #include "plaindevice.h"
 #include "runnable.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <fcntl.h>
 #include <poll.h>

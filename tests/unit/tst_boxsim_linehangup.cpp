@@ -2,7 +2,11 @@
 #include "linetest.h"
 #include "plaindevice.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <cerrno>
 

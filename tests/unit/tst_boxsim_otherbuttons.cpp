@@ -1,6 +1,6 @@
 #include "boxsim/car/otherbuttons.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::GaugeFaces;
 using boxsim::GaugesState;

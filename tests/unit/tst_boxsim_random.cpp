@@ -1,6 +1,7 @@
 #include "boxsim/line/random.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QSet>
+#include <QtTest/QTest>
 
 using boxsim::Random;
 

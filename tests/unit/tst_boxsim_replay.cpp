@@ -1,6 +1,6 @@
 #include "replaybench.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace replaybench;
 

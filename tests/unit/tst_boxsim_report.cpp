@@ -2,7 +2,7 @@
 
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::Event;
 

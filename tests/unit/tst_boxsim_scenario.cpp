@@ -1,7 +1,8 @@
 #include "boxsim/scenario/scenario.h"
 
+#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <sys/stat.h>
 

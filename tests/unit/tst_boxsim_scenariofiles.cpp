@@ -1,10 +1,13 @@
 #include "boxsim/scenario/scenario.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QDirIterator>
+#include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QRegularExpression>
-#include <QtTest/QtTest>
+#include <QtCore/QRegularExpressionMatch>
+#include <QtTest/QTest>
 
 // What is written about scenarios: the list of examples, and the document for those who write their own.
 

@@ -1,8 +1,13 @@
 #include "boxsim/scenario/scenario.h"
 #include "boxsim/scenario/scenarioschema.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QDirIterator>
-#include <QtTest/QtTest>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtTest/QTest>
 
 #include <rapidjson/document.h>
 #include <rapidjson/schema.h>

@@ -1,6 +1,6 @@
 #include "boxsim/scenario/scenario.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 namespace {
 

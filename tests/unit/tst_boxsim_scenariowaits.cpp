@@ -1,6 +1,6 @@
 #include "scenariorun.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::Event;
 using namespace scenariorun;

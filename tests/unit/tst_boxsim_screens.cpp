@@ -3,7 +3,7 @@
 
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::Screens;
 using boxsim::TextScreen;

@@ -2,7 +2,7 @@
 
 #include "scriptedbench.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <functional>
 

@@ -2,7 +2,10 @@
 
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QFile>
+#include <QtCore/QSet>
+#include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 using boxsim::Options;
 using boxsim::Setup;

@@ -4,7 +4,7 @@
 
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using boxsim::BenchState;
 using boxsim::Instruction;

@@ -7,10 +7,14 @@
 #include "velparkinggroupcmd.h"
 #include "velvehiclegroupcmd.h"
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QMetaMethod>
+#include <QtCore/QMutexLocker>
 #include <QtCore/QSemaphore>
+#include <QtCore/QThread>
 #include <QtSerialPort/QSerialPort>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <functional>
 #include <memory>

@@ -3,7 +3,7 @@
 #include <hexbytes.h>
 
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <memory>

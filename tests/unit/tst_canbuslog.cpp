@@ -3,9 +3,10 @@
 #include <hexbytes.h>
 #include <logrecorder.h>
 
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QStringList>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 #include <sys/syscall.h>

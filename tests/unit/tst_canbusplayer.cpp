@@ -9,7 +9,8 @@
 #include <pseudoterminal.h>
 
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtCore/QTimer>
+#include <QtTest/QTest>
 
 #include <eventhandler.h>
 #include <srcdsplctrl.h>

@@ -2,7 +2,7 @@
 #include <playerrig.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <memory>

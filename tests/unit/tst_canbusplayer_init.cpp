@@ -4,7 +4,10 @@
 #include <logrecorder.h>
 #include <playerrig.h>
 
-#include <QtTest/QtTest>
+#include <QtCore/QThread>
+#include <QtCore/QTimer>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <memory>
 

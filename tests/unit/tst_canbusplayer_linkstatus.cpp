@@ -2,7 +2,10 @@
 #include "hexbytes.h"
 #include "playerrig.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QThread>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <functional>
 #include <memory>

@@ -4,7 +4,7 @@
 #include <pseudoterminal.h>
 
 #include <QtCore/QElapsedTimer>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 

@@ -1,7 +1,7 @@
 #include "hexbytes.h"
 #include "playerrig.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

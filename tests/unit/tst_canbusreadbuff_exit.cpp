@@ -1,6 +1,6 @@
 #include "velcanbusprotocol.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <cstdlib>
 #include <sys/wait.h>

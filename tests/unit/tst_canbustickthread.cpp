@@ -2,7 +2,14 @@
 #include "logrecorder.h"
 #include "velcanbusprotocol.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QMutex>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QPointer>
+#include <QtCore/QSemaphore>
+#include <QtCore/QThread>
+#include <QtTest/QTest>
 
 #include <thread>
 

@@ -3,7 +3,7 @@
 
 #include "canbusdatamap.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using ParseOperation = void (canbus::VelCanBusProtocol::*)(canbus::FrameDataFormat *);
 Q_DECLARE_METATYPE(ParseOperation)

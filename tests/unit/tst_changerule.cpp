@@ -1,7 +1,7 @@
 #include "support/changerule.h"
 
 #include <QtCore/QStringList>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -6,8 +6,10 @@
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QThread>
 #include <QtCore/QTimer>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <ctime>

@@ -1,6 +1,6 @@
 #include "commandline/devicename.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 /// How an error names a serial device.
 class tst_devicename : public QObject {

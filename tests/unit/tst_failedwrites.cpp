@@ -8,8 +8,10 @@
 #include <logrecorder.h>
 #include <playerrig.h>
 
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QMutexLocker>
 #include <QtCore/QTimer>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -4,7 +4,8 @@
 #include "velgaugesgroupcmd.h"
 #include "velvehiclegroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QCoreApplication>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

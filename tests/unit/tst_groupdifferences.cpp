@@ -12,7 +12,8 @@
 #include "velparkinggroupcmd.h"
 #include "velvehiclegroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QRegularExpression>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

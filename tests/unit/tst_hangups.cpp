@@ -8,8 +8,12 @@
 #include <playerrig.h>
 #include <recordedport.h>
 
+#include <QtCore/QCoreApplication>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QMutexLocker>
 #include <QtCore/QSemaphore>
-#include <QtTest/QtTest>
+#include <QtCore/QThread>
+#include <QtTest/QTest>
 
 #include <algorithm>
 #include <atomic>

@@ -7,7 +7,7 @@
 #include <mcuvechiclebridge.h>
 #include <srcdsplctrl.h>
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

@@ -7,7 +7,7 @@
 #include <srcdsplctrl.h>
 
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

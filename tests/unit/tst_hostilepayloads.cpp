@@ -4,7 +4,7 @@
 #include "itemtable.h"
 
 #include <QtCore/QLoggingCategory>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <functional>
 #include <memory>

@@ -5,7 +5,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 #include <type_traits>

@@ -1,6 +1,6 @@
 #include <datetimemanager.h>
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <ctime>
 

@@ -4,7 +4,7 @@
 
 #include <QtCore/QMetaEnum>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 namespace {
 

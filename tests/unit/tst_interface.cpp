@@ -6,7 +6,7 @@
 #include "velclimategroupcmd.h"
 
 #include <QtCore/QMetaMethod>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <type_traits>
 

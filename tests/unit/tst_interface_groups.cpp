@@ -4,8 +4,9 @@
 #include "velparkinggroupcmd.h"
 #include "velvehiclegroupcmd.h"
 
+#include <QtCore/QMetaMethod>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -1,9 +1,10 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QMetaEnum>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 

@@ -4,7 +4,8 @@
 
 #include "velcanbusprotocol.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <memory>
 

@@ -5,7 +5,8 @@
 #include "link/linkhealth_p.h"
 
 #include <QtCore/QElapsedTimer>
-#include <QtTest/QtTest>
+#include <QtCore/QThread>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -4,8 +4,9 @@
 
 #include <QtCore/QMetaMethod>
 #include <QtCore/QMutex>
+#include <QtCore/QMutexLocker>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "commandline/oneline.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 /// Texts from outside, such as the names of files, in messages of one line.
 class tst_oneline : public QObject {

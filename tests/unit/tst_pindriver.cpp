@@ -6,7 +6,7 @@
 #include <logrecorder.h>
 
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <cerrno>
 #include <cstdarg>

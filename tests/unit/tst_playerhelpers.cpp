@@ -3,7 +3,7 @@
 #include <hexbytes.h>
 #include <logrecorder.h>
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using canbus::CanBusPlayer;
 

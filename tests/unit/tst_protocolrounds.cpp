@@ -6,9 +6,13 @@
 #include <logrecorder.h>
 #include <playerrig.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
+#include <QtCore/QMutexLocker>
 #include <QtCore/QPointer>
-#include <QtTest/QtTest>
+#include <QtCore/QSemaphore>
+#include <QtCore/QThread>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <memory>

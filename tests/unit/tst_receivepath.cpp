@@ -1,7 +1,7 @@
 #include "hexbytes.h"
 #include "receivepath.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

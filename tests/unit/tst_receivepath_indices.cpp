@@ -4,7 +4,7 @@
 #include "support/bytes.h"
 #include "support/text.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <limits>
 

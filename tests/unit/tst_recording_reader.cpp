@@ -1,7 +1,7 @@
 #include "pcapngbytes.h"
 #include "recording/recording.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using canbus::recording::Block;
 using canbus::recording::Direction;

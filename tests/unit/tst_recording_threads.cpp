@@ -2,7 +2,7 @@
 
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <memory>

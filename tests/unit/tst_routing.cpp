@@ -7,7 +7,7 @@
 #include "velparkinggroupcmd.h"
 #include "velvehiclegroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

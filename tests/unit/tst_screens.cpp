@@ -8,7 +8,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 #include <utility>

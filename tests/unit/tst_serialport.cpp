@@ -3,8 +3,10 @@
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
-#include <QtTest/QtTest>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 #include <memory>
 #include <sys/fsuid.h>

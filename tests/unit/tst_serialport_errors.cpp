@@ -5,7 +5,7 @@
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <cerrno>

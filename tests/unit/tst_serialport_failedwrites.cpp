@@ -4,7 +4,8 @@
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
-#include <QtTest/QtTest>
+#include <QtCore/QElapsedTimer>
+#include <QtTest/QTest>
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <recordedport.h>
 
 #include <QtCore/QElapsedTimer>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <ctime>
 

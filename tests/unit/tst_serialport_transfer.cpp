@@ -6,8 +6,9 @@
 #include <recordedport.h>
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QMutexLocker>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <atomic>
 #include <limits>

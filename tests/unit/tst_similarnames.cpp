@@ -1,6 +1,6 @@
 #include "commandline/similarnames.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -4,7 +4,7 @@
 #include "player/canbusdatamap.h"
 
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

@@ -4,7 +4,7 @@
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QSemaphore>
 #include <QtCore/QThread>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <cstdlib>
 #include <sys/wait.h>

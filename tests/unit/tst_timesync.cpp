@@ -9,8 +9,9 @@
 #include <mcuservice.h>
 
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QTimer>
 #include <QtTest/QSignalSpy>
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 #include <memory>
 

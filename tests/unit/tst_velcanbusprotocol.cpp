@@ -1,7 +1,7 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -1,7 +1,8 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QThread>
+#include <QtTest/QTest>
 
 #include <functional>
 #include <memory>

@@ -1,9 +1,11 @@
 #include "velcanbusprotocol.h"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtTest/QtTest>
+#include <QtCore/QThread>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

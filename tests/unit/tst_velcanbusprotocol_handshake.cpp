@@ -1,7 +1,8 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QLoggingCategory>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

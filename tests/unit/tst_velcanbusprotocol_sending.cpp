@@ -3,7 +3,7 @@
 
 #include "canbusplayer.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -3,7 +3,12 @@
 #include "player/canbusdatamap.h"
 
 #include <QtCore/QDeadlineTimer>
-#include <QtTest/QtTest>
+#include <QtCore/QMutex>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QSemaphore>
+#include <QtCore/QSet>
+#include <QtCore/QThread>
+#include <QtTest/QTest>
 
 #include <algorithm>
 #include <atomic>

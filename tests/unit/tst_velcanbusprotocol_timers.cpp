@@ -2,7 +2,9 @@
 #include "logrecorder.h"
 #include "velcanbusprotocol.h"
 
-#include <QtTest/QtTest>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QMutexLocker>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -4,7 +4,8 @@
 #include <hexbytes.h>
 #include <logrecorder.h>
 
-#include <QtTest/QtTest>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -4,7 +4,8 @@
 
 #include "velgaugesgroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 using Decoder = void (canbus::VelGaugesGroupCmd::*)(QByteArray);
 Q_DECLARE_METATYPE(Decoder)

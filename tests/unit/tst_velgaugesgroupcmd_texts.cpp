@@ -4,7 +4,7 @@
 
 #include "velgaugesgroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using Decoder = void (canbus::VelGaugesGroupCmd::*)(QByteArray);
 Q_DECLARE_METATYPE(Decoder)

@@ -5,7 +5,7 @@
 
 #include "velgaugesgroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

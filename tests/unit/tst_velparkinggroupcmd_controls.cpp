@@ -7,7 +7,7 @@
 #include "canbusplayer.h"
 #include "velparkinggroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

@@ -4,7 +4,7 @@
 
 #include "velparkinggroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using Decoder = void (canbus::VelParkingGroupCmd::*)(QByteArray);
 Q_DECLARE_METATYPE(Decoder)

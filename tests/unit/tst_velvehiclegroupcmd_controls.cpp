@@ -7,7 +7,7 @@
 #include "canbusplayer.h"
 #include "velvehiclegroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

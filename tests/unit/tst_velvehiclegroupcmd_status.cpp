@@ -4,7 +4,8 @@
 
 #include "velvehiclegroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QSignalSpy>
+#include <QtTest/QTest>
 
 using Decoder = void (canbus::VelVehicleGroupCmd::*)(QByteArray);
 Q_DECLARE_METATYPE(Decoder)

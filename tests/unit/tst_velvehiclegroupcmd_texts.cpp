@@ -4,7 +4,7 @@
 
 #include "velvehiclegroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 

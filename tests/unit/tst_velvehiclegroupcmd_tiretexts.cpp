@@ -5,7 +5,7 @@
 
 #include "velvehiclegroupcmd.h"
 
-#include <QtTest/QtTest>
+#include <QtTest/QTest>
 
 using namespace canbus;
 
