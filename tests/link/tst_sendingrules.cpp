@@ -1,16 +1,12 @@
-#include "announcementrules.h"
-#include "figurerules.h"
-#include "receivingrules.h"
 #include "sendingrules.h"
 
 #include <hexbytes.h>
 
-#include <QtCore/QMetaProperty>
 #include <QtTest/QTest>
 
 #include <functional>
 
-// Each rule of the whole link is broken here, and has to be the one that is named.
+// Each rule of what the library sends is broken here, and has to be the one that is named.
 
 using canbus::LinkHealth;
 
@@ -68,41 +64,13 @@ struct Sending {
     }
 };
 
-struct Receiving {
-    Findings findings;
-    WireCounts counts;
-    ReceivingRules rules {findings, counts};
-
-    /// A good frame, taken as it must be.
-    void takeGood()
-    {
-        receive("9f 02 50 03 05 01 02 55 9f 03");
-        rules.notified({3, 5, bytes("01 02")});
-        rules.answered(bytes("9f 06 50 50 9f 03"));
-        rules.passEnds({});
-    }
-
-    void receive(const char *hex)
-    {
-        rules.arrive(bytes(hex));
-        rules.passBegins();
-    }
-};
-
-const char kGood[] = "9f 02 50 03 05 01 02 55 9f 03";
-// Its payload is 9f 03: the head unit ends it at the first 03.
-const char kEndInside[] = "9f 02 50 03 05 9f 9f 03 ca 9f 03";
-const char kBad[] = "9f 02 50 03 05 01 02 56 9f 03";
-
 using BreakSending = std::function<void(Sending &)>;
-using BreakReceiving = std::function<void(Receiving &)>;
 
 } // namespace
 
 Q_DECLARE_METATYPE(BreakSending)
-Q_DECLARE_METATYPE(BreakReceiving)
 
-class LinkRulesTest : public QObject {
+class SendingRulesTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -110,13 +78,6 @@ private Q_SLOTS:
     void brokenSendingIsNamed_data();
     void brokenSendingIsNamed();
     void aRefusedCheckIsRemembered();
-    void receivingAsItMustBreaksNoRule();
-    void comparesAgainOnceTheLineIsQuiet();
-    void brokenReceivingIsNamed_data();
-    void brokenReceivingIsNamed();
-    void wrongAnnouncementsAreNamed();
-    void repeatedConnectStatusIsNamed();
-    void eachWrongFigureIsNamed();
 
 private:
     static void addLimits();
@@ -124,7 +85,7 @@ private:
     static void addReports();
 };
 
-void LinkRulesTest::sendingAsItMustBreaksNoRule()
+void SendingRulesTest::sendingAsItMustBreaksNoRule()
 {
     Sending sending;
     sending.connect();
@@ -135,7 +96,7 @@ void LinkRulesTest::sendingAsItMustBreaksNoRule()
     QCOMPARE(sending.findings.text(), QString());
 }
 
-void LinkRulesTest::addLimits()
+void SendingRulesTest::addLimits()
 {
     const auto add = [](const char *name, const QByteArray &rule, const BreakSending &breaks) {
         QTest::newRow(name) << rule << breaks;
@@ -197,7 +158,7 @@ void LinkRulesTest::addLimits()
     });
 }
 
-void LinkRulesTest::addTimes()
+void SendingRulesTest::addTimes()
 {
     const char *const pace = "a frame is sent at 0, 300 and 600 ms and gone at 900 ms";
     const auto add = [](const char *name, const QByteArray &rule, const BreakSending &breaks) {
@@ -253,7 +214,7 @@ void LinkRulesTest::addTimes()
     });
 }
 
-void LinkRulesTest::addReports()
+void SendingRulesTest::addReports()
 {
     const auto add = [](const char *name, const QByteArray &rule, const BreakSending &breaks) {
         QTest::newRow(name) << rule << breaks;
@@ -294,7 +255,7 @@ void LinkRulesTest::addReports()
     });
 }
 
-void LinkRulesTest::brokenSendingIsNamed_data()
+void SendingRulesTest::brokenSendingIsNamed_data()
 {
     QTest::addColumn<QByteArray>("rule");
     QTest::addColumn<BreakSending>("breaks");
@@ -303,7 +264,7 @@ void LinkRulesTest::brokenSendingIsNamed_data()
     addReports();
 }
 
-void LinkRulesTest::brokenSendingIsNamed()
+void SendingRulesTest::brokenSendingIsNamed()
 {
     QFETCH(QByteArray, rule);
     QFETCH(BreakSending, breaks);
@@ -313,7 +274,7 @@ void LinkRulesTest::brokenSendingIsNamed()
              qPrintable(sending.findings.text()));
 }
 
-void LinkRulesTest::aRefusedCheckIsRemembered()
+void SendingRulesTest::aRefusedCheckIsRemembered()
 {
     const QByteArray check = bytes("9f 02 9f9f 01 00 00 01 9f9f 9f 03");
     Sending sending;
@@ -338,193 +299,5 @@ void LinkRulesTest::aRefusedCheckIsRemembered()
     QCOMPARE(sending.findings.text(), QString());
 }
 
-void LinkRulesTest::comparesAgainOnceTheLineIsQuiet()
-{
-    Receiving receiving;
-    receiving.rules.expectWellFormed(true);
-    receiving.takeGood();
-    receiving.receive(kEndInside);
-    receiving.rules.passEnds(bytes("ca 9f 03"));
-    QCOMPARE(receiving.counts.comparisonsStopped, 1U);
-    receiving.takeGood();
-    QCOMPARE(receiving.counts.wellFormedTaken, 1U);
-    receiving.takeGood();
-    QCOMPARE(receiving.counts.wellFormedTaken, 2U);
-    QCOMPARE(receiving.rules.checkWellFormed(), 2);
-    QCOMPARE(receiving.findings.text(), QString());
-    receiving.rules.arrive(bytes(kGood));
-    receiving.rules.checkWellFormed();
-    QVERIFY2(receiving.findings.text().contains("was not taken"), qPrintable(receiving.findings.text()));
-}
-
-void LinkRulesTest::receivingAsItMustBreaksNoRule()
-{
-    Receiving receiving;
-    receiving.rules.expectWellFormed(true);
-    receiving.receive(kGood);
-    receiving.rules.notified({3, 5, bytes("01 02")});
-    receiving.rules.answered(bytes("9f 06 50 50 9f 03"));
-    receiving.rules.passEnds({});
-    receiving.rules.expectWellFormed(false);
-    receiving.receive(kBad);
-    receiving.rules.passEnds({});
-    receiving.rules.settled();
-    QCOMPARE(receiving.findings.text(), QString());
-}
-
-void LinkRulesTest::brokenReceivingIsNamed_data()
-{
-    QTest::addColumn<QByteArray>("rule");
-    QTest::addColumn<BreakReceiving>("breaks");
-    const auto add = [](const char *name, const QByteArray &rule, const BreakReceiving &breaks) {
-        QTest::newRow(name) << rule << breaks;
-    };
-    const QByteArray ack = bytes("9f 06 50 50 9f 03");
-    const ReceivingRules::Notified told {3, 5, bytes("01 02")};
-    add("a good frame is not told", "decoded once", [=](Receiving &r) {
-        r.receive(kGood);
-        r.rules.answered(ack);
-        r.rules.passEnds({});
-    });
-    add("a good frame is told twice", "decoded once", [=](Receiving &r) {
-        r.receive(kGood);
-        r.rules.notified(told);
-        r.rules.notified(told);
-        r.rules.passEnds({});
-    });
-    add("another content is told", "decoded once", [=](Receiving &r) {
-        r.receive(kGood);
-        r.rules.notified({3, 5, bytes("01 03")});
-        r.rules.passEnds({});
-    });
-    add("a good frame is not acknowledged", "acknowledged once", [=](Receiving &r) {
-        r.receive(kGood);
-        r.rules.notified(told);
-        r.rules.passEnds({});
-    });
-    add("a good frame is acknowledged twice", "acknowledged once", [=](Receiving &r) {
-        r.receive(kGood);
-        r.rules.notified(told);
-        r.rules.answered(ack);
-        r.rules.answered(ack);
-        r.rules.passEnds({});
-    });
-    add("a bad frame is acknowledged", "a bad check byte gives no answer", [=](Receiving &r) {
-        r.receive(kBad);
-        r.rules.answered(ack);
-        r.rules.passEnds({});
-    });
-    add("a bad frame is told", "a bad check byte gives no answer and no signal", [=](Receiving &r) {
-        r.receive(kBad);
-        r.rules.notified(told);
-        r.rules.passEnds({});
-    });
-    add("no NACK goes out", "while a closing mark is awaited", [=](Receiving &r) {
-        r.receive("9f 02 50 03 05 01 02 55 9f");
-        r.rules.passEnds(bytes("9f 02 50 03 05 01 02 55 9f"));
-    });
-    add("a frame stays in the buffer", "a pass takes one frame", [=](Receiving &r) {
-        r.receive(kGood);
-        r.rules.passEnds(bytes(kGood));
-    });
-    add("a well-formed frame is taken for another", "well-formed frames are taken in order",
-        [=](Receiving &r) {
-            r.rules.expectWellFormed(true);
-            r.receive("9f 06 50 50 9f 03");
-            r.rules.passEnds({});
-            r.rules.arrive(bytes(kGood));
-            r.rules.checkWellFormed();
-        });
-    add("an answer goes out between the passes", "between the passes", [=](Receiving &r) {
-        r.rules.answered(ack);
-        r.rules.settled();
-    });
-    add("the loop-back reply is missing", "loop-back", [=](Receiving &r) {
-        r.receive("31 32");
-        r.rules.settled();
-    });
-    add("the loop-back reply comes for nothing", "loop-back",
-        [=](Receiving &r) { r.rules.textWritten("716151413121"); });
-}
-
-void LinkRulesTest::brokenReceivingIsNamed()
-{
-    QFETCH(QByteArray, rule);
-    QFETCH(BreakReceiving, breaks);
-    Receiving receiving;
-    breaks(receiving);
-    QVERIFY2(receiving.findings.text().contains(QString::fromLatin1(rule)),
-             qPrintable(receiving.findings.text()));
-}
-
-void LinkRulesTest::wrongAnnouncementsAreNamed()
-{
-    using Climate = canbus::VelClimateGroupCmd;
-    using Gauges = canbus::VelGaugesGroupCmd;
-    const QByteArray gauges = bytes("01 02 03 04 05 06 07 08 09 0a 0b 0c 00 00");
-    const QVector<QPair<const char *, std::function<void(AnnouncementRules &)>>> wrong {
-        {"an item is announced when it changes", [](auto &rules) { rules.frameTaken(3, 0, bytes("05 41")); }},
-        {"an item is announced when it changes",
-         [](auto &rules) {
-             Q_EMIT Climate::instance()->updateClimateTopText("A");
-             rules.frameTaken(3, 7, bytes("05 41"));
-         }},
-        {"between frames nothing is announced",
-         [](auto &rules) {
-             Q_EMIT Climate::instance()->updateClimateType(5);
-             rules.timePassed();
-         }},
-        {"a screens transition becomes one touch", [](auto &rules) { rules.frameTaken(7, 0, bytes("01")); }},
-        {"at once and 300 ms later",
-         [&](auto &rules) {
-             Q_EMIT Gauges::instance()->updateGaugeShift(true);
-             rules.frameTaken(4, 7, gauges);
-         }},
-    };
-    for (const auto &each : wrong) {
-        Findings findings;
-        WireCounts counts;
-        AnnouncementRules rules(findings, counts);
-        each.second(rules);
-        QVERIFY2(findings.text().contains(each.first), qPrintable(findings.text()));
-    }
-}
-
-void LinkRulesTest::repeatedConnectStatusIsNamed()
-{
-    const QVector<std::function<void(AnnouncementRules &)>> wrong {
-        [](AnnouncementRules &rules) { rules.connectStatusHeard(false); },
-        [](AnnouncementRules &rules) {
-            rules.statusTold(true);
-            rules.settled();
-        },
-    };
-    for (const auto &breaks : wrong) {
-        Findings findings;
-        WireCounts counts;
-        AnnouncementRules rules(findings, counts);
-        breaks(rules);
-        QVERIFY2(findings.text().contains("canbusConnectStatus"), qPrintable(findings.text()));
-    }
-}
-
-void LinkRulesTest::eachWrongFigureIsNamed()
-{
-    const QMetaObject &type = canbus::LinkFigures::staticMetaObject;
-    for (int i = 0; i < type.propertyCount(); ++i) {
-        const QMetaProperty property = type.property(i);
-        canbus::LinkFigures figures;
-        QVariant value = 1U;
-        WireCounts counts;
-        counts.timedAnswers = 1;
-        if (property.userType() == QMetaType::QVariantMap)
-            value = QVariantMap {{property.name(), QVariantMap {{"frames", 1}}}};
-        QVERIFY(property.writeOnGadget(&figures, value));
-        Findings findings;
-        checkFigures(figures, counts, findings);
-        QVERIFY2(findings.text().contains(property.name()), property.name());
-    }
-}
-
-QTEST_GUILESS_MAIN(LinkRulesTest)
-#include "tst_linkrules.moc"
+QTEST_GUILESS_MAIN(SendingRulesTest)
+#include "tst_sendingrules.moc"
