@@ -1,7 +1,7 @@
+#include "callers.h"
 #include "canbusplayer.h"
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
-#include "playerrig.h"
 #include "velclimategroupcmd.h"
 #include "velgaugesgroupcmd.h"
 #include "velparkinggroupcmd.h"
@@ -10,10 +10,7 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QMetaMethod>
-#include <QtCore/QMutexLocker>
-#include <QtCore/QSemaphore>
 #include <QtCore/QThread>
-#include <QtSerialPort/QSerialPort>
 #include <QtTest/QTest>
 
 #include <functional>
@@ -37,35 +34,6 @@ struct Operation {
 /// Everything that somebody may call, by its class and name.
 std::vector<Operation> g_operations;
 
-/// Calls back from one signal a few times: what is called may have the signal emitted again.
-class Caller : public QObject {
-    Q_OBJECT
-
-public:
-    static constexpr int kMostCalls = 3;
-
-    Caller(QString signal, std::function<void()> call)
-        : m_signal(std::move(signal))
-        , m_call(std::move(call))
-    {
-    }
-
-    QString signal() const { return m_signal; }
-    int calls() const { return m_calls; }
-
-public Q_SLOTS:
-    void callBack()
-    {
-        if (++m_calls <= kMostCalls)
-            m_call();
-    }
-
-private:
-    QString m_signal;
-    std::function<void()> m_call;
-    int m_calls = 0;
-};
-
 /// The objects with signals that the host may connect to.
 QList<QObject *> speakers(HandDrivenProtocol &protocol)
 {
@@ -77,28 +45,6 @@ QList<QObject *> speakers(HandDrivenProtocol &protocol)
             VelGaugesGroupCmd::instance(),
             VelParkingGroupCmd::instance(),
             VelVehicleGroupCmd::instance()};
-}
-
-using Callers = std::vector<std::unique_ptr<Caller>>;
-
-/// Calls back from every signal of each of these, directly.
-Callers connectCallers(const QList<QObject *> &all, const std::function<void()> &call)
-{
-    Callers callers;
-    const QMetaMethod slot = Caller::staticMetaObject.method(Caller::staticMetaObject.methodOffset());
-    for (QObject *speaker : all) {
-        const QMetaObject *type = speaker->metaObject();
-        for (int index = QObject::staticMetaObject.methodCount(); index < type->methodCount(); ++index) {
-            const QMetaMethod signal = type->method(index);
-            if (signal.methodType() != QMetaMethod::Signal)
-                continue;
-            callers.push_back(std::make_unique<Caller>(type->className() + QStringLiteral("::")
-                                                           + QString::fromLatin1(signal.methodSignature()),
-                                                       call));
-            QObject::connect(speaker, signal, callers.back().get(), slot, Qt::DirectConnection);
-        }
-    }
-    return callers;
 }
 
 Callers connectCallers(HandDrivenProtocol &protocol, const Call &call)
@@ -234,51 +180,6 @@ void addPlainOperations()
                             }});
 }
 
-/// What somebody may call in a slot on the port's thread.
-const QMap<QString, std::function<void(PlayerRig &)>> &portOperations()
-{
-    static const QMap<QString, std::function<void(PlayerRig &)>> all {
-        {"isOpen", [](PlayerRig &rig) { rig.port()->isOpen(); }},
-        {"open", [](PlayerRig &rig) { rig.port()->open(rig.line.name(), 57600); }},
-        {"open, without the device", [](PlayerRig &rig) { rig.port()->open(kNoDevice, 57600); }},
-        {"disconnect", [](PlayerRig &rig) { rig.port()->disconnect(); }},
-        {"handleError", [](PlayerRig &rig) { rig.port()->handleError(); }},
-        {"stopWriting", [](PlayerRig &rig) { rig.port()->stopWriting(); }},
-        {"resumeWriting", [](PlayerRig &rig) { rig.port()->resumeWriting(); }},
-        {"writeData, bytes", [](PlayerRig &rig) { rig.port()->writeData(bytes("01")); }},
-        {"writeData, text", [](PlayerRig &rig) { rig.port()->writeData(QString("02")); }},
-        {"writeData, with a length", [](PlayerRig &rig) { rig.port()->writeData("\x03", 1); }},
-        {"CanBusPlayer::init", [](PlayerRig &rig) { rig.player.init(&rig.protocol); }},
-    };
-    return all;
-}
-
-/// Carries it out on the port's thread. A thread that does not come back is one that is locked.
-void onPortsThread(PlayerRig &rig, const std::function<void()> &work)
-{
-    QSemaphore done;
-    const auto carryOut = [&] {
-        work();
-        done.release();
-    };
-    QMetaObject::invokeMethod(rig.port(), carryOut, Qt::QueuedConnection);
-    if (!done.tryAcquire(1, kLongestWaitMs))
-        qFatal("the port's thread is locked");
-}
-
-/// Makes the port emit each of its signals, on its thread, whatever a slot does with it in between.
-void makePortSpeak(PlayerRig &rig)
-{
-    SerialPort *const port = rig.port();
-    port->open(kNoDevice, 57600);
-    port->open(rig.line.name(), 57600);
-    port->writeData(bytes("04"));
-    if (port->isOpen() && rig.line.send(bytes("05")))
-        port->findChild<QSerialPort *>()->waitForReadyRead(1000);
-    port->disconnect();
-    port->disconnect();
-}
-
 const Call &operation(const QString &name)
 {
     static const Call none = [](HandDrivenProtocol &) {};
@@ -302,11 +203,6 @@ private Q_SLOTS:
     void makesEverySignalHeard();
     void neverDeadlock_data();
     void neverDeadlock();
-    void makesEverySignalOfThePortHeard();
-    void neverLockThePort_data();
-    void neverLockThePort();
-    void opensThePortAgainForTheParserThread();
-    void leavesAProtocolOutThatIsGoneByThen();
 };
 
 void CallbacksTest::initTestCase()
@@ -378,93 +274,6 @@ void CallbacksTest::neverDeadlock()
     // The link goes on.
     HandDrivenProtocol::buffer()->data.clear();
     QCOMPARE(protocol.passOver(bytes("9f 02 21 08 00 29 9f 03")).last(), QString("write 9f0621219f03"));
-}
-
-void CallbacksTest::makesEverySignalOfThePortHeard()
-{
-    const LogRecorder quiet;
-    PlayerRig rig;
-    rig.start();
-    Callers callers = connectCallers({rig.port()}, [] {});
-    onPortsThread(rig, [&] { makePortSpeak(rig); });
-    QCOMPARE(callers.size(), std::size_t(5));
-    for (const auto &caller : callers)
-        QVERIFY2(caller->calls() > 0, qPrintable(caller->signal()));
-    onPortsThread(rig, [&] { callers.clear(); });
-}
-
-void CallbacksTest::neverLockThePort_data()
-{
-    QTest::addColumn<QString>("name");
-    for (const QString &name : portOperations().keys())
-        QTest::newRow(qPrintable(name + " on the port's thread")) << name;
-}
-
-void CallbacksTest::neverLockThePort()
-{
-    QFETCH(QString, name);
-    const LogRecorder quiet;
-    PlayerRig rig;
-    rig.start();
-    const auto call = portOperations().value(name);
-    Callers callers = connectCallers({rig.port()}, [&] { call(rig); });
-    int calls = 0;
-    onPortsThread(rig, [&] {
-        makePortSpeak(rig);
-        for (const auto &caller : callers)
-            calls += caller->calls();
-        callers.clear();
-    });
-    QVERIFY2(calls >= 4, qPrintable(QString::number(calls)));
-    // What was called back for the player's thread, too.
-    QCoreApplication::sendPostedEvents();
-    // The line goes on.
-    onPortsThread(rig, [&] { rig.port()->open(rig.line.name(), 57600); });
-    rig.protocol.received.clear();
-    QVERIFY(rig.line.send(bytes("06")));
-    QTRY_VERIFY_WITH_TIMEOUT(rig.protocol.received.join().endsWith(bytes("06")), kLongestWaitMs);
-    onPortsThread(rig, [&] { rig.port()->writeData(bytes("07")); });
-    QTRY_VERIFY_WITH_TIMEOUT(rig.line.received().endsWith(bytes("07")), kLongestWaitMs);
-    const QMutexLocker lock(&CanBusReadBuff::instance()->mutex);
-    CanBusReadBuff::instance()->data.clear();
-}
-
-void CallbacksTest::opensThePortAgainForTheParserThread()
-{
-    const LogRecorder quiet;
-    PlayerRig rig;
-    rig.start();
-    QSemaphore isReceived;
-    const QMetaObject::Connection received = connect(
-        CanBusReadBuff::instance(), &CanBusReadBuff::received, CanBusReadBuff::instance(),
-        [&] { isReceived.release(); }, Qt::DirectConnection);
-    // During a pass, which the port's thread waits for with new bytes.
-    std::unique_ptr<QThread> parser(QThread::create([&] {
-        const QMutexLocker pass(&CanBusReadBuff::instance()->mutex);
-        if (rig.line.send(bytes("9f 02")) && isReceived.tryAcquire(1, kLongestWaitMs))
-            rig.player.init(&rig.protocol);
-    }));
-    parser->start();
-    QVERIFY(parser->wait(kLongestWaitMs));
-    QCOMPARE(rig.protocol.connections().first(), 1);
-    QTRY_COMPARE_WITH_TIMEOUT(rig.protocol.connections().first(), 2, kLongestWaitMs);
-    disconnect(received);
-    QVERIFY(rig.port()->isOpen());
-}
-
-void CallbacksTest::leavesAProtocolOutThatIsGoneByThen()
-{
-    const LogRecorder log;
-    PlayerRig rig;
-    rig.start();
-    auto gone = std::make_unique<PlayedProtocol>();
-    std::unique_ptr<QThread> other(QThread::create([&] { rig.player.init(gone.get()); }));
-    other->start();
-    QVERIFY(other->wait(kLongestWaitMs));
-    gone.reset();
-    QCoreApplication::sendPostedEvents();
-    QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, &rig.protocol);
-    QCOMPARE(log.messages("[ERR]"), QStringList());
 }
 
 QTEST_GUILESS_MAIN(CallbacksTest)
