@@ -3,6 +3,8 @@
 #include "options.h"
 #include "unit.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QLoggingCategory>
@@ -16,8 +18,6 @@
 /// The head unit in a window, on a simulated box with a car that stands, and what the box reports.
 class Rig : public QObject {
 public:
-    static constexpr int kLongMs = 20000;
-
     /// @return whether the link is up and everything has arrived
     bool start()
     {
@@ -28,7 +28,7 @@ public:
             return false;
         connect(unit->box(), &canbus::headunit::SimulatedBox::reported, this,
                 [this](const QByteArray &json) { reports.append(QJsonDocument::fromJson(json).object()); });
-        return QTest::qWaitFor([this] { return screen()->property("filled").toBool(); }, kLongMs);
+        return QTest::qWaitFor([this] { return screen()->property("filled").toBool(); }, kLongestWaitMs);
     }
 
     /// Shows the head unit. @return whether it could begin
@@ -121,7 +121,7 @@ public:
     {
         QSignalSpy frames(&window, &QQuickWindow::frameSwapped);
         window.update();
-        return frames.wait(kLongMs);
+        return frames.wait(kLongestWaitMs);
     }
 
     /// How often the box has got the command, with at least these arguments; retransmissions do not count.

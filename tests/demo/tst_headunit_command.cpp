@@ -8,6 +8,7 @@
 #include <QtGui/QImage>
 #include <QtTest/QTest>
 
+#include <longestwait.h>
 #include <pseudoterminal.h>
 #include <runnable.h>
 
@@ -17,8 +18,6 @@
 // The command itself, in a process of its own: what it says when it cannot begin, and its pictures.
 
 namespace {
-
-constexpr int kLongMs = 60000;
 
 struct Ended {
     int status = -1;
@@ -54,7 +53,7 @@ Ended run(const QString &path, const QStringList &arguments, const QStringList &
     QProcess process;
     start(&process, path, arguments, environment);
     Ended ended;
-    if (process.waitForFinished(kLongMs) && process.exitStatus() == QProcess::NormalExit)
+    if (process.waitForFinished(kLongestWaitMs) && process.exitStatus() == QProcess::NormalExit)
         ended.status = process.exitCode();
     ended.output = process.readAllStandardOutput();
     ended.errors = process.readAllStandardError();
@@ -187,9 +186,9 @@ private Q_SLOTS:
         // Its arguments are read and its signals are watched before it has children of /proc/PID/task.
         const QString tasks = QStringLiteral("/proc/%1/task").arg(process.processId());
         QTRY_VERIFY_WITH_TIMEOUT(QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() > 2,
-                                 kLongMs);
+                                 kLongestWaitMs);
         ::kill(pid_t(process.processId()), signal);
-        QVERIFY(process.waitForFinished(kLongMs));
+        QVERIFY(process.waitForFinished(kLongestWaitMs));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 0);
         QCOMPARE(process.readAllStandardError(), QByteArray());
@@ -202,7 +201,7 @@ private Q_SLOTS:
         QProcess process;
         start(&process, program(), {"--port", line.name(), "--screenshot", folder.filePath("pictures")});
         // It is waiting for the box once it has asked for the connection.
-        QTRY_VERIFY_WITH_TIMEOUT(!line.received().isEmpty(), kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!line.received().isEmpty(), kLongestWaitMs);
         ::kill(pid_t(process.processId()), SIGINT);
         QVERIFY(process.waitForFinished(10000)); // by itself it waits for 30 s
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);

@@ -1,5 +1,7 @@
 #include "rig.h"
 
+#include <longestwait.h>
+
 // Every control of every page, touched as a finger does, and what the box gets of it.
 
 class HeadUnitControls : public QObject {
@@ -80,10 +82,10 @@ private Q_SLOTS:
         QVERIFY(m_rig.find(path));
         const int releases = m_rig.count(command, {{"press", false}});
         m_rig.press(path);
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"press", true}}), 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"press", true}}), 1, kLongestWaitMs);
         QCOMPARE(m_rig.count(command, {{"press", false}}), releases);
         m_rig.release(path);
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"press", false}}), releases + 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"press", false}}), releases + 1, kLongestWaitMs);
         QCOMPARE(m_rig.count(command, {{"press", true}}), 1);
     }
 
@@ -119,19 +121,19 @@ private Q_SLOTS:
         QVERIFY(m_rig.find(path));
         const QVariantList menu = m_rig.pageItem()->property("menu").toList();
         m_rig.click(path);
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, arguments), 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, arguments), 1, kLongestWaitMs);
         // The menu answers with what is pressed next.
         if (page == QLatin1String("menu"))
-            QTRY_VERIFY_WITH_TIMEOUT(m_rig.pageItem()->property("menu").toList() != menu, Rig::kLongMs);
+            QTRY_VERIFY_WITH_TIMEOUT(m_rig.pageItem()->property("menu").toList() != menu, kLongestWaitMs);
     }
 
     void aLampFollowsTheBox()
     {
         QVERIFY(m_rig.open(QStringLiteral("climate")));
         m_rig.send(QStringLiteral("climate.button.7=0"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.find("maxACBtn")->property("lamp").toInt(), 0, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.find("maxACBtn")->property("lamp").toInt(), 0, kLongestWaitMs);
         m_rig.click(QStringLiteral("maxACBtn"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.find("maxACBtn")->property("lamp").toInt(), 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.find("maxACBtn")->property("lamp").toInt(), 1, kLongestWaitMs);
     }
 
     void everyLampShowsItsState_data()
@@ -159,7 +161,7 @@ private Q_SLOTS:
         QVERIFY(item);
         for (const int state : {3, 0}) {
             m_rig.send(QStringLiteral("climate.button.%1=%2").arg(lamp).arg(state));
-            QTRY_COMPARE_WITH_TIMEOUT(item->property("lamp").toInt(), state, Rig::kLongMs);
+            QTRY_COMPARE_WITH_TIMEOUT(item->property("lamp").toInt(), state, kLongestWaitMs);
         }
     }
 
@@ -188,11 +190,11 @@ private Q_SLOTS:
         for (int step = 1; step <= 50; ++step)
             QTest::mouseMove(&m_rig.window, Rig::pointOf(bar, 0.05 + 0.0186 * step));
         QTest::mouseRelease(&m_rig.window, Qt::LeftButton, {}, Rig::pointOf(bar, 0.98));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"value", last}}), 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count(command, {{"value", last}}), 1, kLongestWaitMs);
         // The link takes one command at a time: a drag is not fifty of them.
         QVERIFY(m_rig.count(command) >= 2);
         QVERIFY(m_rig.count(command) < 25);
-        QTRY_COMPARE_WITH_TIMEOUT(bar->property("shown").toInt(), last, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->property("shown").toInt(), last, kLongestWaitMs);
     }
 
     void keysMoveAndPress()
@@ -208,9 +210,9 @@ private Q_SLOTS:
         QCOMPARE(m_rig.window.activeFocusItem(), m_rig.find("rearZone"));
         const int before = m_rig.count("climate.rearZone");
         QTest::keyPress(&m_rig.window, Qt::Key_Return);
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone"), before + 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone"), before + 1, kLongestWaitMs);
         QTest::keyRelease(&m_rig.window, Qt::Key_Return);
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone"), before + 2, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone"), before + 2, kLongestWaitMs);
     }
 
     void spaceTaps()
@@ -219,7 +221,7 @@ private Q_SLOTS:
         m_rig.find("dualBtn")->forceActiveFocus();
         const int before = m_rig.count("climate.dualBtn");
         QTest::keyClick(&m_rig.window, Qt::Key_Space);
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.dualBtn"), before + 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.dualBtn"), before + 1, kLongestWaitMs);
     }
 
     void tabReachesEveryControl()
@@ -242,12 +244,12 @@ private Q_SLOTS:
         QVERIFY(m_rig.open(QStringLiteral("climate")));
         m_rig.send(QStringLiteral("climate.manualTemp=96"));
         QQuickItem *const bar = m_rig.find("manualTemp");
-        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 96, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 96, kLongestWaitMs);
         bar->forceActiveFocus();
         QTest::keyClick(&m_rig.window, Qt::Key_Minus);
-        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 91, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 91, kLongestWaitMs);
         QTest::keyClick(&m_rig.window, Qt::Key_Plus);
-        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 96, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 96, kLongestWaitMs);
     }
 
     void stepsThatComeFastAddUp()
@@ -255,11 +257,11 @@ private Q_SLOTS:
         QVERIFY(m_rig.open(QStringLiteral("climate")));
         m_rig.send(QStringLiteral("climate.fanDirectValue=40"));
         QQuickItem *const bar = m_rig.find("autoFanDirectValue");
-        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 40, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 40, kLongestWaitMs);
         bar->forceActiveFocus();
         for (int i = 0; i < 4; ++i)
             QTest::keyClick(&m_rig.window, Qt::Key_Plus);
-        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 60, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(bar->property("value").toInt(), 60, kLongestWaitMs);
     }
 
     void aButtonThatIsHeldIsReleasedWhenItsPageGoes_data()
@@ -282,13 +284,13 @@ private Q_SLOTS:
             m_rig.press(QStringLiteral("fanPlus"));
         }
         m_rig.send(QStringLiteral("parking.sensor.2=true"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), kLongestWaitMs);
         QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.fanSpeedUp", {{"press", true}}), presses + 1,
-                                  Rig::kLongMs);
+                                  kLongestWaitMs);
         QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.fanSpeedUp", {{"press", false}}), releases + 1,
-                                  Rig::kLongMs);
+                                  kLongestWaitMs);
         m_rig.send(QStringLiteral("parking.sensor.2=false"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("climate"), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("climate"), kLongestWaitMs);
         QTest::mouseRelease(&m_rig.window, Qt::LeftButton);
     }
 
@@ -300,7 +302,7 @@ private Q_SLOTS:
         QTest::keyPress(&m_rig.window, Qt::Key_Return);
         m_rig.find("settings")->forceActiveFocus();
         QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.rearZone", {{"press", false}}), before + 1,
-                                  Rig::kLongMs);
+                                  kLongestWaitMs);
     }
 
     void aFingerThatLeavesAButtonDoesNotTapIt()
@@ -312,7 +314,7 @@ private Q_SLOTS:
         QTest::mouseMove(&m_rig.window, Rig::pointOf(m_rig.find("dualBtn")));
         m_rig.release(QStringLiteral("dualBtn"));
         m_rig.click(QStringLiteral("dualBtn"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.dualBtn"), others + 1, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.count("climate.dualBtn"), others + 1, kLongestWaitMs);
         QCOMPARE(m_rig.count("climate.acBtn"), before);
     }
 };

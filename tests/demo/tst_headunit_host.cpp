@@ -1,5 +1,7 @@
 #include "host.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QCoreApplication>
 #include <QtGui/QGuiApplication>
 #include <QtGui/QWindow>
@@ -48,7 +50,7 @@ private Q_SLOTS:
         QSignalSpy changes(&host, &Host::clockChanged);
         fixTime(0, 0, 0, 10);
         QCOMPARE(host.clock(), QStringLiteral("23:59"));
-        QTRY_COMPARE(host.clock(), QStringLiteral("00:00"));
+        QTRY_COMPARE_WITH_TIMEOUT(host.clock(), QStringLiteral("00:00"), kLongestWaitMs);
         QCOMPARE(changes.size(), 1);
     }
 
@@ -99,7 +101,7 @@ private Q_SLOTS:
         const Host host(0);
         QSignalSpy wishes(&host, &Host::pageWanted);
         postTouch(Qx::Touch(touch));
-        QTRY_COMPARE(wishes.size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(wishes.size(), 1, kLongestWaitMs);
         QCOMPARE(wishes.constFirst().constFirst().toString(), page);
     }
 
@@ -113,7 +115,7 @@ private Q_SLOTS:
         QSignalSpy followed(&quick, &Host::pageWanted);
         QSignalSpy wishes(&patient, &Host::pageWanted);
         postTouch(Qx::Touch83);
-        QTRY_COMPARE(followed.size(), 1);
+        QTRY_COMPARE_WITH_TIMEOUT(followed.size(), 1, kLongestWaitMs);
         QCOMPARE(wishes.size(), 0);
     }
 

@@ -1,5 +1,7 @@
 #include "rig.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QMetaProperty>
 #include <QtQml/QJSValue>
 
@@ -53,7 +55,7 @@ private Q_SLOTS:
         QVERIFY(m_rig.open(QTest::currentDataTag()));
         QVERIFY(m_rig.pageItem());
         QCOMPARE(m_rig.pageItem()->property("title").toString(), title);
-        QTRY_VERIFY_WITH_TIMEOUT(m_rig.count(request) > before, Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(m_rig.count(request) > before, kLongestWaitMs);
         QVERIFY(!isNotLive());
     }
 
@@ -77,10 +79,10 @@ private Q_SLOTS:
         QVERIFY(m_rig.open(QStringLiteral("vehicle")));
         QVERIFY(!m_rig.find("reverseSign")->isVisible());
         m_rig.send(sensors("true"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), kLongestWaitMs);
         QVERIFY(m_rig.find("reverseSign")->isVisible());
         m_rig.send(sensors("false"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("vehicle"), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("vehicle"), kLongestWaitMs);
         QVERIFY(!m_rig.find("reverseSign")->isVisible());
     }
 
@@ -88,10 +90,10 @@ private Q_SLOTS:
     {
         QVERIFY(m_rig.open(QStringLiteral("vehicle")));
         m_rig.send(sensors("true"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), kLongestWaitMs);
         QVERIFY(m_rig.open(QStringLiteral("climate")));
         m_rig.send(sensors("false"));
-        QTRY_VERIFY_WITH_TIMEOUT(!m_rig.find("reverseSign")->isVisible(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_rig.find("reverseSign")->isVisible(), kLongestWaitMs);
         QCOMPARE(m_rig.page(), QStringLiteral("climate"));
     }
 
@@ -99,17 +101,17 @@ private Q_SLOTS:
     {
         QVERIFY(m_rig.open(QStringLiteral("menu")));
         m_rig.send(QStringLiteral("screens.supported.5=no screens.supported.2=no"));
-        QTRY_VERIFY_WITH_TIMEOUT(!m_rig.find("menuTab")->isVisible(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!m_rig.find("menuTab")->isVisible(), kLongestWaitMs);
         QVERIFY(!m_rig.find("parkingTab")->isVisible());
         QVERIFY(m_rig.find("gaugesTab")->isVisible());
         QCOMPARE(m_rig.page(), QStringLiteral("climate"));
         QTest::keyClick(&m_rig.window, Qt::Key_5);
         QCOMPARE(m_rig.page(), QStringLiteral("climate"));
         m_rig.send(sensors("true"));
-        QTRY_VERIFY_WITH_TIMEOUT(m_rig.find("reverseSign")->isVisible(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(m_rig.find("reverseSign")->isVisible(), kLongestWaitMs);
         QCOMPARE(m_rig.page(), QStringLiteral("climate"));
         m_rig.send(sensors("false") + " screens.supported.5=yes screens.supported.2=yes");
-        QTRY_VERIFY_WITH_TIMEOUT(m_rig.find("menuTab")->isVisible(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(m_rig.find("menuTab")->isVisible(), kLongestWaitMs);
     }
 
     void nightIsOneTouchAway()
@@ -143,9 +145,9 @@ private Q_SLOTS:
         QCOMPARE(rear->property("text").toString(), QStringLiteral("45"));
         QVERIFY(!rear->property("isNear").toBool());
         m_rig.send(QStringLiteral("parking.sensor.2=true"));
-        QTRY_VERIFY_WITH_TIMEOUT(rear->property("isNear").toBool(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(rear->property("isNear").toBool(), kLongestWaitMs);
         m_rig.send(QStringLiteral("parking.sensor.2=false"));
-        QTRY_VERIFY_WITH_TIMEOUT(!rear->property("isNear").toBool(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!rear->property("isNear").toBool(), kLongestWaitMs);
     }
 
     void theLinkPageShowsEveryFigure()
@@ -174,11 +176,11 @@ private Q_SLOTS:
                 .value(QStringLiteral("receivedFrames"))
                 .toInt();
         };
-        QTRY_VERIFY_WITH_TIMEOUT(figure() > 10, Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(figure() > 10, kLongestWaitMs);
         QVERIFY(m_rig.find("frames")->property("count").toInt() > 5);
         const int before = figure();
         m_rig.send(QStringLiteral("vehicle.hood=open"));
-        QTRY_VERIFY_WITH_TIMEOUT(figure() > before, Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(figure() > before, kLongestWaitMs);
     }
 
     void valuesAreNotLiveWhileTheBoxIsSilent_data()
@@ -195,16 +197,16 @@ private Q_SLOTS:
     {
         QFETCH(QString, control);
         QVERIFY(m_rig.open(QTest::currentDataTag()));
-        QTRY_VERIFY_WITH_TIMEOUT(!isNotLive(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!isNotLive(), kLongestWaitMs);
         m_rig.send(QStringLiteral("fault.silence=true"));
         m_rig.click(control); // the loss is noticed by the next command that is not answered
-        QTRY_VERIFY_WITH_TIMEOUT(isNotLive(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(isNotLive(), kLongestWaitMs);
         QCOMPARE(m_rig.find("linkText")->property("text").toString(), QStringLiteral("No link"));
         QVERIFY(!m_rig.find(control)->isEnabled());
         if (const auto *const side = m_rig.find("side1"))
             QCOMPARE(side->property("text").toString(), QStringLiteral("--"));
         m_rig.send(QStringLiteral("fault.silence=false"));
-        QTRY_VERIFY_WITH_TIMEOUT(!isNotLive(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!isNotLive(), kLongestWaitMs);
         QCOMPARE(m_rig.find("linkText")->property("text").toString(), QStringLiteral("Connected"));
         QVERIFY(m_rig.find(control)->isEnabled());
     }

@@ -1,5 +1,7 @@
 #include "rig.h"
 
+#include <longestwait.h>
+
 // The control panel plays the car, and the head unit shows it.
 
 class HeadUnitPanel : public QObject {
@@ -40,14 +42,14 @@ private Q_SLOTS:
         m_window.resize(panel->size().toSize());
         m_window.show();
         QSignalSpy frames(&m_window, &QQuickWindow::frameSwapped);
-        QVERIFY(frames.wait(Rig::kLongMs));
+        QVERIFY(frames.wait(kLongestWaitMs));
     }
 
     void theCarBeginsClosed()
     {
         QTRY_COMPARE_WITH_TIMEOUT(stateOf("VehicleState", "doors").toList(),
-                                  (QVariantList {false, false, false, false}), Rig::kLongMs);
-        QTRY_COMPARE_WITH_TIMEOUT(stateOf("VehicleState", "trunk").toBool(), false, Rig::kLongMs);
+                                  (QVariantList {false, false, false, false}), kLongestWaitMs);
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("VehicleState", "trunk").toBool(), false, kLongestWaitMs);
     }
 
     void doorsOpenAndClose_data()
@@ -61,9 +63,9 @@ private Q_SLOTS:
     {
         QFETCH(int, index);
         click(QTest::currentDataTag());
-        QTRY_COMPARE_WITH_TIMEOUT(entryOf("VehicleState", "doors", index).toBool(), true, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(entryOf("VehicleState", "doors", index).toBool(), true, kLongestWaitMs);
         click(QTest::currentDataTag());
-        QTRY_COMPARE_WITH_TIMEOUT(entryOf("VehicleState", "doors", index).toBool(), false, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(entryOf("VehicleState", "doors", index).toBool(), false, kLongestWaitMs);
     }
 
     void switchesReachTheHeadUnit_data()
@@ -81,15 +83,15 @@ private Q_SLOTS:
         QFETCH(QByteArray, property);
         QFETCH(int, on);
         click(QTest::currentDataTag());
-        QTRY_COMPARE_WITH_TIMEOUT(stateOf("VehicleState", property.constData()).toInt(), on, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("VehicleState", property.constData()).toInt(), on, kLongestWaitMs);
         click(QTest::currentDataTag());
-        QTRY_COMPARE_WITH_TIMEOUT(stateOf("VehicleState", property.constData()).toInt(), 0, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("VehicleState", property.constData()).toInt(), 0, kLongestWaitMs);
     }
 
     void aSoftTireReachesTheHeadUnit()
     {
         click(QStringLiteral("tire"));
-        QTRY_COMPARE_WITH_TIMEOUT(entryOf("VehicleState", "tires", 2).toInt(), 2, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(entryOf("VehicleState", "tires", 2).toInt(), 2, kLongestWaitMs);
     }
 
     void valuesReachTheHeadUnit_data()
@@ -111,14 +113,14 @@ private Q_SLOTS:
         QFETCH(QVariant, highest);
         QTest::mouseClick(&m_window, Qt::LeftButton, {}, Rig::pointOf(item(QTest::currentDataTag()), 0.99));
         QTRY_VERIFY_WITH_TIMEOUT(stateOf(state.constData(), property.constData()).toList().contains(highest),
-                                 Rig::kLongMs);
+                                 kLongestWaitMs);
     }
 
     void theEngineSpeedLightsTheShiftLight()
     {
         QTest::mouseClick(&m_window, Qt::LeftButton, {},
                           Rig::pointOf(item(QStringLiteral("engineSpeed")), 0.99));
-        QTRY_COMPARE_WITH_TIMEOUT(stateOf("GaugesState", "shift").toBool(), true, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("GaugesState", "shift").toBool(), true, kLongestWaitMs);
     }
 
     void noiseIsOnTheLine()
@@ -128,7 +130,7 @@ private Q_SLOTS:
         };
         const int before = skipped();
         click(QStringLiteral("noise"));
-        QTRY_VERIFY_WITH_TIMEOUT(skipped() > before, Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(skipped() > before, kLongestWaitMs);
         click(QStringLiteral("noise"));
     }
 
@@ -144,28 +146,28 @@ private Q_SLOTS:
         for (int i = 0; i < 20 && repeated() == 0; ++i) {
             const int before = m_rig.count("climate.acBtn");
             m_rig.click(QStringLiteral("acBtn"));
-            QTRY_VERIFY_WITH_TIMEOUT(m_rig.count("climate.acBtn") > before, Rig::kLongMs);
+            QTRY_VERIFY_WITH_TIMEOUT(m_rig.count("climate.acBtn") > before, kLongestWaitMs);
             // A repetition comes 300 ms after what it repeats.
             static_cast<void>(QTest::qWaitFor([&] { return repeated() > 0; }, 500));
         }
         QVERIFY(repeated() > 0);
         click(QStringLiteral("answers"));
-        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), kLongestWaitMs);
     }
 
     void theTemperatureReachesTheHeadUnit()
     {
-        QTRY_COMPARE_WITH_TIMEOUT(stateOf("ClimateState", "mainTemp").toInt(), 215, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("ClimateState", "mainTemp").toInt(), 215, kLongestWaitMs);
         QTest::mouseClick(&m_window, Qt::LeftButton, {}, Rig::pointOf(item(QStringLiteral("cabin")), 0.01));
-        QTRY_COMPARE_WITH_TIMEOUT(stateOf("ClimateState", "mainTemp").toInt(), 160, Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(stateOf("ClimateState", "mainTemp").toInt(), 160, kLongestWaitMs);
     }
 
     void reverseBringsTheParkingPage()
     {
         click(QStringLiteral("reverse"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("parking"), kLongestWaitMs);
         click(QStringLiteral("reverse"));
-        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("climate"), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(m_rig.page(), QStringLiteral("climate"), kLongestWaitMs);
     }
 
     void theBoxRestartsAndIsThereAgain()
@@ -175,18 +177,18 @@ private Q_SLOTS:
                                  [](const QJsonObject &report) { return report["event"] == "restart"; });
         };
         click(QStringLiteral("restart"));
-        QTRY_COMPARE_WITH_TIMEOUT(int(restarts()), 1, Rig::kLongMs);
-        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), Rig::kLongMs);
+        QTRY_COMPARE_WITH_TIMEOUT(int(restarts()), 1, kLongestWaitMs);
+        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), kLongestWaitMs);
     }
 
     void theBoxStopsAnsweringWithOneClick()
     {
-        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), kLongestWaitMs);
         click(QStringLiteral("silence"));
         m_rig.click(QStringLiteral("acBtn")); // the loss is noticed by the next command that is not answered
-        QTRY_VERIFY_WITH_TIMEOUT(!stateOf("LinkState", "connected").toBool(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(!stateOf("LinkState", "connected").toBool(), kLongestWaitMs);
         click(QStringLiteral("silence"));
-        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), Rig::kLongMs);
+        QTRY_VERIFY_WITH_TIMEOUT(stateOf("LinkState", "connected").toBool(), kLongestWaitMs);
     }
 };
 

@@ -1,6 +1,7 @@
 #include "linkstate.h"
 
 #include <hexbytes.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 
 #include <canbusplayer.h>
@@ -49,7 +50,7 @@ void waitForLooks()
     QTimer looks;
     const QSignalSpy looked(&looks, &QTimer::timeout);
     looks.start(LinkState::kShortestRefreshMs);
-    QTRY_VERIFY(looked.count() >= 5);
+    QTRY_VERIFY_WITH_TIMEOUT(looked.count() >= 5, kLongestWaitMs);
 }
 
 QString hexOf(LinkState &link, int row)
@@ -108,7 +109,7 @@ void TestLinkState::looksWhileSomebodyListens()
         const QSignalSpy figures(&link, &LinkState::figuresChanged);
         QVERIFY(link.isRefreshing());
     }
-    QTRY_VERIFY(!link.isRefreshing());
+    QTRY_VERIFY_WITH_TIMEOUT(!link.isRefreshing(), kLongestWaitMs);
 }
 
 void TestLinkState::takesNoShorterIntervalThan50Ms()
@@ -134,8 +135,9 @@ void TestLinkState::announcesFiguresThatHaveChanged()
     const QSignalSpy changed(&link, &LinkState::figuresChanged);
     QCOMPARE(link.figures().value(QStringLiteral("receivedBytes")).toULongLong(), 0U);
     QVERIFY(m_line.send(bytes("31 32 33")));
-    QTRY_COMPARE(link.figures().value(QStringLiteral("receivedBytes")).toULongLong(), 3U);
-    QTRY_VERIFY(!changed.isEmpty());
+    QTRY_COMPARE_WITH_TIMEOUT(link.figures().value(QStringLiteral("receivedBytes")).toULongLong(), 3U,
+                              kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!changed.isEmpty(), kLongestWaitMs);
     clearReceiveBuffer();
 }
 
@@ -161,7 +163,7 @@ void TestLinkState::isValidOnceAFrameHasArrived()
     const QSignalSpy changed(&link, &LinkState::figuresChanged);
     QVERIFY(!link.isValid());
     QVERIFY(m_line.send(bytes("9f 02 55 02 00 0d 5a 9f 03")));
-    QTRY_VERIFY(link.isValid());
+    QTRY_VERIFY_WITH_TIMEOUT(link.isValid(), kLongestWaitMs);
     QVERIFY(link.isStale());
     QVERIFY(LinkState().isValid());
 }
@@ -199,9 +201,9 @@ void TestLinkState::waitsForAProtocolToRecord()
     QVERIFY(link.isRefreshing());
     PlainProtocol protocol;
     join(&protocol);
-    QTRY_VERIFY(!link.isRefreshing());
+    QTRY_VERIFY_WITH_TIMEOUT(!link.isRefreshing(), kLongestWaitMs);
     Q_EMIT protocol.onWritPortData(bytes("9f 06 21 21 9f 03"));
-    QTRY_COMPARE(link.lastSent(), QStringLiteral("9f 06 21 21 9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(link.lastSent(), QStringLiteral("9f 06 21 21 9f 03"), kLongestWaitMs);
 }
 
 void TestLinkState::recordsTheNextProtocol()
@@ -216,9 +218,9 @@ void TestLinkState::recordsTheNextProtocol()
     QVERIFY(link.isRefreshing());
     PlainProtocol second;
     join(&second);
-    QTRY_VERIFY(!link.isRefreshing());
+    QTRY_VERIFY_WITH_TIMEOUT(!link.isRefreshing(), kLongestWaitMs);
     Q_EMIT second.onWritPortData(bytes("31"));
-    QTRY_COMPARE(link.lastSent(), QStringLiteral("31"));
+    QTRY_COMPARE_WITH_TIMEOUT(link.lastSent(), QStringLiteral("31"), kLongestWaitMs);
 }
 
 void TestLinkState::doesNotRecordTheFormerProtocol()
@@ -233,13 +235,13 @@ void TestLinkState::doesNotRecordTheFormerProtocol()
     // The next look finds the second.
     const QSignalSpy figures(&link, &LinkState::figuresChanged);
     Q_EMIT first.onWritPortData(bytes("31"));
-    QTRY_COMPARE(link.frames()->rowCount(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(link.frames()->rowCount(), 1, kLongestWaitMs);
     const auto isSecondHeard = [&] {
         Q_EMIT second.onWritPortData(bytes("32"));
         QCoreApplication::processEvents();
         return link.lastSent() == QStringLiteral("32");
     };
-    QTRY_VERIFY(isSecondHeard());
+    QTRY_VERIFY_WITH_TIMEOUT(isSecondHeard(), kLongestWaitMs);
     const int recorded = link.frames()->rowCount();
     Q_EMIT first.onWritPortData(bytes("33"));
     QCoreApplication::processEvents();
@@ -271,7 +273,7 @@ void TestLinkState::recordsInTheOrderOfWriting()
     parser->start();
     QVERIFY(parser->wait());
     Q_EMIT protocol.onWritPortData(bytes("32"));
-    QTRY_COMPARE(link.frames()->rowCount(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(link.frames()->rowCount(), 2, kLongestWaitMs);
     QCOMPARE(hexOf(link, 0), QStringLiteral("32"));
     QCOMPARE(hexOf(link, 1), QStringLiteral("31"));
 }
@@ -285,7 +287,7 @@ void TestLinkState::recordsOnceWhenStartedAgain()
         link.setRecording(isRecording);
     Q_EMIT CanBusReadBuff::instance()->received(bytes("9f 06 21 21 9f 03"));
     Q_EMIT protocol.onWritPortData(bytes("31"));
-    QTRY_COMPARE(link.lastSent(), QStringLiteral("31"));
+    QTRY_COMPARE_WITH_TIMEOUT(link.lastSent(), QStringLiteral("31"), kLongestWaitMs);
     QCOMPARE(link.frames()->rowCount(), 2);
     QCOMPARE(hexOf(link, 1), QStringLiteral("9f 06 21 21 9f 03"));
 }
@@ -301,7 +303,7 @@ void TestLinkState::beginsWithAWholeFrameWhenStartedAgain()
     link.setRecording(false);
     link.setRecording(true);
     Q_EMIT CanBusReadBuff::instance()->received(bytes("9f 06 21 21 9f 03"));
-    QTRY_COMPARE(link.lastReceived(), QStringLiteral("9f 06 21 21 9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(link.lastReceived(), QStringLiteral("9f 06 21 21 9f 03"), kLongestWaitMs);
     QCOMPARE(link.frames()->rowCount(), 1);
 }
 

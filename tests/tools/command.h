@@ -1,5 +1,6 @@
 #pragma once
 
+#include <longestwait.h>
 #include <runnable.h>
 
 #include <QtCore/QProcess>
@@ -10,8 +11,6 @@
 #include <csignal>
 
 #include <sys/types.h>
-
-constexpr int kWaitMs = 60000;
 
 /// The command, started with standard input open; ended with the test.
 class Command {
@@ -24,13 +23,13 @@ public:
         process.setProcessEnvironment(environment);
         QStringList command = runnable(program) + arguments;
         process.start(command.takeFirst(), command);
-        if (!process.waitForStarted(kWaitMs))
+        if (!process.waitForStarted(kLongestWaitMs))
             qFatal("the command does not start");
     }
     ~Command()
     {
         process.kill();
-        process.waitForFinished(kWaitMs);
+        process.waitForFinished(kLongestWaitMs);
     }
 
     const QByteArray &output()
@@ -55,7 +54,7 @@ public:
     /// The exit status, or -1 where it does not end, or crashes.
     int waitForEnd()
     {
-        if (process.state() != QProcess::NotRunning && !process.waitForFinished(kWaitMs))
+        if (process.state() != QProcess::NotRunning && !process.waitForFinished(kLongestWaitMs))
             return -1;
         return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }

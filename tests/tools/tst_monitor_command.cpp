@@ -1,4 +1,5 @@
 #include "command.h"
+#include "longestwait.h"
 #include "pseudoterminal.h"
 
 #include <QtCore/QElapsedTimer>
@@ -41,7 +42,7 @@ void tst_monitor_command::saysThatThePortIsOpen()
     const PseudoTerminal line;
     Command monitor({"--port", line.name(), "--baud", "9600"});
     const QByteArray expected = "host portOpened device=\"" + line.name().toUtf8() + "\" baud=9600";
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine(expected), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine(expected), kLongestWaitMs);
     const termios settings = line.settings();
     QCOMPARE(::cfgetospeed(&settings), speed_t(B9600));
 }
@@ -128,7 +129,7 @@ void tst_monitor_command::endsWhenItIsTold()
     QFETCH(int, signal);
     const PseudoTerminal line;
     Command monitor({"--port", line.name()});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kLongestWaitMs);
     if (signal == 0)
         monitor.type("quit");
     else
@@ -157,20 +158,20 @@ void tst_monitor_command::endsQuietlyWhenNobodyReads()
         shell.type("player.getCanbusConnectStatus");
         return shell.process.state() == QProcess::NotRunning;
     };
-    QTRY_VERIFY_WITH_TIMEOUT(shell.hasLineWith("host portOpened"), kWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(hasEndedAfterAnotherLine(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(shell.hasLineWith("host portOpened"), kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(hasEndedAfterAnotherLine(), kLongestWaitMs);
     QCOMPARE(shell.errors(), QByteArray("status 0\n"));
 }
 
 void tst_monitor_command::goesOnAfterTheEndOfItsInput()
 {
     Box box;
-    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kLongestWaitMs);
     Command monitor({"--port", box.link});
     monitor.type("player.getCanbusConnectStatus");
     monitor.process.closeWriteChannel();
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> false"), kWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player canbusConnectStatus status=true"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> false"), kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player canbusConnectStatus status=true"), kLongestWaitMs);
 }
 
 void tst_monitor_command::makesCallsFromItsInputAtOnce()
@@ -179,8 +180,9 @@ void tst_monitor_command::makesCallsFromItsInputAtOnce()
     Command monitor({"--port", line.name()});
     monitor.type("climate.manualTemp=200\nplayer.getCanbusConnectStatus");
     // The id is 0 as long as the box has reported nothing; 93 00 1b 01 c8, and 41 checks it.
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player sendCmdData data=9f020093001b01c8419f03"), kWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> false"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player sendCmdData data=9f020093001b01c8419f03"),
+                             kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> false"), kLongestWaitMs);
 }
 
 void tst_monitor_command::answersImpossibleCallsAndGoesOn()
@@ -188,11 +190,11 @@ void tst_monitor_command::answersImpossibleCallsAndGoesOn()
     const PseudoTerminal line;
     Command monitor({"--port", line.name()});
     monitor.type("climate.rearZone=2\n\nplayer.getCanbusConnectStatus");
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> false"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> false"), kLongestWaitMs);
     QTRY_COMPARE_WITH_TIMEOUT(
         monitor.errors(),
         QByteArray("canbus-monitor: climate.rearZone, isPress: \"2\" is no bool: true, false, 1 or 0\n"),
-        kWaitMs);
+        kLongestWaitMs);
 }
 
 void tst_monitor_command::listsWhatCanBeCalled()
@@ -200,7 +202,7 @@ void tst_monitor_command::listsWhatCanBeCalled()
     const PseudoTerminal line;
     Command monitor({"--port", line.name()});
     monitor.type("help");
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("host.needsync(bool needed)"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("host.needsync(bool needed)"), kLongestWaitMs);
     QVERIFY(monitor.hasLine("player.getCanbusConnectStatus() -> bool"));
     QVERIFY(monitor.hasLine("climate.onSendDataSort(char Type[, bool isPress[, char value]])"));
     QVERIFY(monitor.hasLine("climate.manualTemp(char value)"));
@@ -235,13 +237,13 @@ void tst_monitor_command::writesTheLibrarysLogOnlyWhenAsked()
 void tst_monitor_command::callsOnceTheLinkIsUpAndPrintsWhatTheBoxReports()
 {
     Box box;
-    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kLongestWaitMs);
     Command monitor(
         {"--port", box.link, "--call", "player.getCanbusConnectStatus", "--call", "climate.manualTemp=200"});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> true"), kWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("climate updateClimateMainTemp value="), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLine("player getCanbusConnectStatus -> true"), kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("climate updateClimateMainTemp value="), kLongestWaitMs);
     QTRY_VERIFY_WITH_TIMEOUT(box.command.output().contains("climate.manualTemp press=true value=200"),
-                             kWaitMs);
+                             kLongestWaitMs);
     const QList<QByteArray> lines = monitor.lines();
     const auto linkIsUp = lines.indexOf("player canbusConnectStatus status=true");
     QVERIFY(linkIsUp >= 0);
@@ -273,13 +275,13 @@ void tst_monitor_command::printsJson()
 void tst_monitor_command::endsInTheMiddleOfTraffic()
 {
     Box box;
-    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kLongestWaitMs);
     Command monitor({"--port", box.link});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("climate updateClimateMainTemp"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("climate updateClimateMainTemp"), kLongestWaitMs);
     for (int i = 0; i < 200; ++i)
         monitor.type("climate.requestClimateInfo");
     const int before = monitor.lines().size();
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.lines().size() > before, kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.lines().size() > before, kLongestWaitMs);
     monitor.sendSignal(SIGINT);
     QCOMPARE(monitor.waitForEnd(), 0);
 }

@@ -2,6 +2,8 @@
 #include "commandline/stopsignals.h"
 #include "output.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QEventLoop>
 #include <QtCore/QThread>
@@ -18,8 +20,6 @@ using canbus::LineReader;
 using canbus::monitor::Output;
 
 namespace {
-
-constexpr int kWaitMs = 30000;
 
 /// Both ends of a pipe; what is still open is closed at the end.
 struct Pipe {
@@ -138,7 +138,7 @@ void tst_monitor_descriptors::writesAVeryLongLineToASlowReader()
     QByteArray received;
     while (received.size() < 300001)
         received += pipe.read();
-    QVERIFY(writer->wait(kWaitMs));
+    QVERIFY(writer->wait(kLongestWaitMs));
     QCOMPARE(state, Output::State::Open);
     QCOMPARE(received, QByteArray(300000, 'x') + '\n');
 }
@@ -197,7 +197,7 @@ void tst_monitor_descriptors::readsLines()
     recordLines(pipe.reader());
     pipe.write(input);
     pipe.closeWriter();
-    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kLongestWaitMs);
     QTEST(m_lines, "lines");
     QCOMPARE(m_complaints, QStringList());
 }
@@ -207,9 +207,9 @@ void tst_monitor_descriptors::joinsTheBlocksOfALine()
     const Pipe pipe;
     recordLines(pipe.reader());
     pipe.write("first\nclim");
-    QTRY_COMPARE_WITH_TIMEOUT(m_lines, QStringList {"first"}, kWaitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(m_lines, QStringList {"first"}, kLongestWaitMs);
     pipe.write("ate.acBtn\n");
-    QTRY_COMPARE_WITH_TIMEOUT(m_lines, (QStringList {"first", "climate.acBtn"}), kWaitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(m_lines, (QStringList {"first", "climate.acBtn"}), kLongestWaitMs);
 }
 
 void tst_monitor_descriptors::passesOverWhatIsNoLine_data()
@@ -235,7 +235,7 @@ void tst_monitor_descriptors::passesOverWhatIsNoLine()
     recordLines(pipe.reader());
     pipe.write(QByteArray(4096, 'l') + "\r\n" + line + "\nnext\n" + line);
     pipe.closeWriter();
-    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kLongestWaitMs);
     QCOMPARE(m_lines, (QStringList {QString(4096, 'l'), "next"}));
     QCOMPARE(m_complaints, (QStringList {complaint, complaint}));
 }
@@ -246,10 +246,10 @@ void tst_monitor_descriptors::theEndOfTheInputEndsTheReading()
     recordLines(pipe.reader());
     pipe.write("half a line");
     pipe.closeWriter();
-    QTRY_COMPARE_WITH_TIMEOUT(m_lines, QStringList {"half a line"}, kWaitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(m_lines, QStringList {"half a line"}, kLongestWaitMs);
     // A pipe is readable for ever at its end: watched any longer, it would keep the processor busy.
     QVERIFY(isReadable(pipe.reader()));
-    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), kLongestWaitMs);
 }
 
 void tst_monitor_descriptors::aSignalMakesTheDescriptorReadable_data()

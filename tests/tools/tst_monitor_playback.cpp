@@ -1,6 +1,8 @@
 #include "command.h"
 #include "recordedfiles.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtTest/QTest>
@@ -296,7 +298,7 @@ void tst_monitor_playback::endsWhenItIsToldWhileItReads()
         ::ioctl(reader, FIONREAD, &size);
         return size;
     };
-    QTRY_VERIFY_WITH_TIMEOUT(waiting() > 60000, kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(waiting() > 60000, kLongestWaitMs);
     shell.sendSignal(SIGINT);
     QCOMPARE(shell.waitForEnd(), 0);
     QCOMPARE(shell.errors(), QByteArray());

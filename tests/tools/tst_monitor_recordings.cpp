@@ -1,4 +1,5 @@
 #include "command.h"
+#include "longestwait.h"
 #include "pseudoterminal.h"
 #include "recordedfiles.h"
 
@@ -62,9 +63,9 @@ void tst_monitor_recordings::recordsBothDirections()
     const Files files;
     PseudoTerminal line;
     Command monitor({"--port", line.name(), "--record", files.path("new.pcapng")});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kLongestWaitMs);
     QVERIFY(line.send(bytes("9f02 51 02 00 1f 4c 9f03")));
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("player updateScreenInfo"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("player updateScreenInfo"), kLongestWaitMs);
     monitor.type("quit");
     QCOMPARE(monitor.waitForEnd(), 0);
     QByteArray received;
@@ -82,18 +83,18 @@ void tst_monitor_recordings::recordsBothDirections()
     QCOMPARE(received, bytes("9f02 51 02 00 1f 4c 9f03"));
     QVERIFY(sent.contains(bytes("9f06 51 51 9f03")));
     const qint64 nowUs = QDateTime::currentMSecsSinceEpoch() * 1000;
-    QVERIFY(before <= nowUs + 1000000 && before > nowUs - qint64(kWaitMs) * 2000);
+    QVERIFY(before <= nowUs + 1000000 && before > nowUs - qint64(kLongestWaitMs) * 2000);
 }
 
 void tst_monitor_recordings::readsWhatItHasRecorded()
 {
     const Files files;
     Box box;
-    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kLongestWaitMs);
     Command live({"--port", box.link, "--record", files.path("new.pcapng"), "--call", "climate.acBtn"});
-    QTRY_VERIFY_WITH_TIMEOUT(live.hasLineWith("climate updateClimateMainTemp"), kWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(live.hasLineWith("vehicle updateVehicle"), kWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(live.hasLineWith("parking updatePark"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(live.hasLineWith("climate updateClimateMainTemp"), kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(live.hasLineWith("vehicle updateVehicle"), kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(live.hasLineWith("parking updatePark"), kLongestWaitMs);
     live.type("quit");
     QCOMPARE(live.waitForEnd(), 0);
     Command again({"--read", files.path("new.pcapng")});
@@ -152,8 +153,8 @@ void tst_monitor_recordings::endsWhenTheDiskIsFull()
         line.send(QByteArray(16, 'x'));
         return shell.process.state() == QProcess::NotRunning;
     };
-    QTRY_VERIFY_WITH_TIMEOUT(shell.hasLineWith("host portOpened"), kWaitMs);
-    QTRY_VERIFY_WITH_TIMEOUT(ends(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(shell.hasLineWith("host portOpened"), kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(ends(), kLongestWaitMs);
     QCOMPARE(shell.waitForEnd(), 1);
     const QByteArray error =
         "canbus-monitor: --record: " + path.toUtf8() + ": cannot be written any further: ";
@@ -169,9 +170,9 @@ void tst_monitor_recordings::aKilledMonitorLeavesAWholeRecording()
 {
     const Files files;
     Box box;
-    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kLongestWaitMs);
     Command monitor({"--port", box.link, "--record", files.path("new.pcapng")});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("climate updateClimateMainTemp"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("climate updateClimateMainTemp"), kLongestWaitMs);
     monitor.process.kill();
     monitor.waitForEnd();
     Recording recording;
@@ -184,13 +185,13 @@ void tst_monitor_recordings::printsTheFiguresOfALine()
 {
     PseudoTerminal line;
     Command monitor({"--port", line.name(), "--stats", "--json"});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains("portOpened"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains("portOpened"), kLongestWaitMs);
     QVERIFY(line.send(bytes("9f02 51 02 00 1f 4c 9f03")));
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains("updateScreenInfo"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains("updateScreenInfo"), kLongestWaitMs);
     QVERIFY(!monitor.output().contains("\"stats\""));
     monitor.type("stats");
     QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains(R"("stats":{"receivedBytes":9,"receivedFrames":1,)"),
-                             kWaitMs);
+                             kLongestWaitMs);
     monitor.type("quit");
     QCOMPARE(monitor.waitForEnd(), 0);
     QCOMPARE(monitor.output().count("\"stats\""), 2);
@@ -203,7 +204,7 @@ void tst_monitor_recordings::printsTheFatesOfCommandsOnlyWithFigures()
     with.type("climate.manualTemp=200");
     const QByteArray fate =
         "link commandEnded frame=9f020093001b01c8419f03 fate=GivenUp transmissions=3 microseconds=";
-    QTRY_VERIFY_WITH_TIMEOUT(with.hasLineWith(fate), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(with.hasLineWith(fate), kLongestWaitMs);
     const PseudoTerminal otherLine;
     Command without({"--port", otherLine.name(), "--for", "1.5"});
     without.type("climate.manualTemp=200\nstats");
@@ -216,13 +217,13 @@ void tst_monitor_recordings::hintsAtAWrongBaudRate()
 {
     PseudoTerminal line;
     Command monitor({"--port", line.name()});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kLongestWaitMs);
     QVERIFY(line.send(QByteArray(40, 'x')));
     const auto hasCome = [&] {
         monitor.type("stats");
         return QRegularExpression("received\n +bytes +40\n").match(monitor.output()).hasMatch();
     };
-    QTRY_VERIFY_WITH_TIMEOUT(hasCome(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(hasCome(), kLongestWaitMs);
     monitor.type("quit");
     QCOMPARE(monitor.waitForEnd(), 0);
     QCOMPARE(monitor.errors(),
@@ -251,11 +252,11 @@ void tst_monitor_recordings::endsWhenItsPortIsGone()
     QFETCH(QStringList, arguments);
     const Files files;
     Box box;
-    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kLongestWaitMs);
     Command monitor(
         QStringList {"--port", box.link, "--stats", "--json", "--record", files.path("new.pcapng")}
         + arguments);
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains("updateClimateMainTemp"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains("updateClimateMainTemp"), kLongestWaitMs);
     box.command.process.kill();
     QCOMPARE(monitor.waitForEnd(), 1);
     QCOMPARE(monitor.errors(),
@@ -274,7 +275,7 @@ void tst_monitor_recordings::findsItsPortGoneAtTheEndOfItsTime()
     for (int i = 0; i < 10; ++i) {
         PseudoTerminal line;
         Command monitor({"--port", line.name(), "--for", "0.3"});
-        QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kWaitMs);
+        QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kLongestWaitMs);
         line.hangUp();
         QCOMPARE(monitor.waitForEnd(), 1);
         QCOMPARE(monitor.errors(),
@@ -287,7 +288,7 @@ void tst_monitor_recordings::showsTheLibrarysLinesOfAPortOnlyWhenAsked()
 {
     PseudoTerminal line;
     Command monitor({"--port", line.name(), "--verbose"});
-    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("host portOpened"), kLongestWaitMs);
     line.hangUp();
     QCOMPARE(monitor.waitForEnd(), 1);
     QVERIFY2(monitor.errors().contains("handleError() "), monitor.errors().constData());

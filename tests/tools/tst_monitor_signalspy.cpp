@@ -1,5 +1,7 @@
 #include "signalspy.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QMap>
 #include <QtCore/QMetaMethod>
 #include <QtCore/QThread>
@@ -162,7 +164,7 @@ void tst_monitor_signalspy::hearsOtherThreadsOnItsOwn()
             Q_EMIT instrument.labelled(QString::number(i), QByteArray(i % 7, 'x'));
     }));
     thread->start();
-    QVERIFY(thread->wait(30000));
+    QVERIFY(thread->wait(kLongestWaitMs));
     QCOMPARE(m_heard, QStringList()); // nothing was heard behind this thread's back
     QTRY_COMPARE_WITH_TIMEOUT(m_heard.size(), kSignals, 30000);
     QCOMPARE(m_heard.first(), QStringLiteral("panel labelled:0,"));

@@ -6,6 +6,8 @@
 
 #include "drivenround.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QMetaMethod>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
@@ -212,7 +214,7 @@ void TestBoxsimCarDrive::causesEveryUpdateOfTheLibraryInARound()
 
     // Some are held back for 300 ms.
     for (const std::unique_ptr<QSignalSpy> &spy : spies)
-        QTRY_VERIFY2(!spy->isEmpty(), spy->signal().constData());
+        QTRY_VERIFY2_WITH_TIMEOUT(!spy->isEmpty(), spy->signal().constData(), kLongestWaitMs);
 }
 
 void TestBoxsimCarDrive::movesTheGaugesSmoothlyWhileDriving()

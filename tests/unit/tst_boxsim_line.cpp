@@ -1,5 +1,6 @@
 #include "hexbytes.h"
 #include "linetest.h"
+#include "longestwait.h"
 #include "plaindevice.h"
 #include "runnable.h"
 
@@ -108,7 +109,7 @@ void TestBoxsimLine::letsTheNextHeadUnitIn()
         int exclusive = -1;
         return ::ioctl(headUnit, TIOCGEXCL, &exclusive) != 0 || exclusive != 0;
     };
-    QTRY_VERIFY(!isExclusive());
+    QTRY_VERIFY_WITH_TIMEOUT(!isExclusive(), kLongestWaitMs);
     ::close(headUnit);
 }
 

@@ -1,5 +1,6 @@
 #include "hexbytes.h"
 #include "linetest.h"
+#include "longestwait.h"
 #include "plaindevice.h"
 
 #include <QtCore/QCoreApplication>
@@ -11,12 +12,6 @@
 #include <cerrno>
 
 using boxsim::Line;
-
-namespace {
-
-constexpr int kLimitMs = 30000;
-
-} // namespace
 
 class TestBoxsimLineHangUp : public LineTest {
     Q_OBJECT
@@ -68,9 +63,9 @@ void TestBoxsimLineHangUp::comesBackBehindTheSameLink()
         Device device(m_link);
         QVERIFY(device.isOpen());
         QVERIFY(device.write(bytes("9f 06")));
-        QTRY_COMPARE_WITH_TIMEOUT(arrived.size(), 2 * i, kLimitMs);
+        QTRY_COMPARE_WITH_TIMEOUT(arrived.size(), 2 * i, kLongestWaitMs);
         line->write(bytes("0a 9f"));
-        QTRY_COMPARE_WITH_TIMEOUT(device.received(), bytes("0a 9f"), kLimitMs);
+        QTRY_COMPARE_WITH_TIMEOUT(device.received(), bytes("0a 9f"), kLongestWaitMs);
     }
 }
 
@@ -85,7 +80,7 @@ void TestBoxsimLineHangUp::losesWhatIsWrittenWhileItIsGone()
     Device device(m_link);
     line->write(bytes("02"));
 
-    QTRY_COMPARE_WITH_TIMEOUT(device.received(), bytes("02"), kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(device.received(), bytes("02"), kLongestWaitMs);
 }
 
 void TestBoxsimLineHangUp::hangsUpFromWithinTheNewsOfBytes()
@@ -101,7 +96,7 @@ void TestBoxsimLineHangUp::hangsUpFromWithinTheNewsOfBytes()
 
     QVERIFY(device.write(bytes("01")));
 
-    QTRY_COMPARE_WITH_TIMEOUT(news, 1, kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(news, 1, kLongestWaitMs);
     QVERIFY(!device.write(bytes("02")));
 }
 
@@ -162,8 +157,8 @@ void TestBoxsimLineHangUp::closesAndReopensAPort()
     port->write(bytes("02"));
     far->write(bytes("03"));
 
-    QTRY_COMPARE_WITH_TIMEOUT(atFar, bytes("02"), kLimitMs);
-    QTRY_COMPARE_WITH_TIMEOUT(atPort, bytes("03"), kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(atFar, bytes("02"), kLongestWaitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(atPort, bytes("03"), kLongestWaitMs);
     QCOMPARE(failures, QStringList());
 }
 

@@ -2,6 +2,8 @@
 
 #include "scriptedbench.h"
 
+#include <longestwait.h>
+
 #include <QtTest/QTest>
 
 #include <functional>
@@ -12,8 +14,6 @@ using boxsim::Line;
 using boxsim::Session;
 
 namespace {
-
-constexpr int kLimitMs = 30000;
 
 /// Keeps what is done to it.
 class RecordedLine : public Line {
@@ -100,11 +100,12 @@ void TestBoxsimSession::resendsWhenItIsTime()
     Run run;
     Q_EMIT run.line.received(bytes(boxbench::kConnectRequest));
 
-    QTRY_COMPARE_WITH_TIMEOUT(run.line.steps.size(), 4, kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(run.line.steps.size(), 4, kLongestWaitMs);
 
     QCOMPARE(run.line.steps.at(3), QStringLiteral("9f 02 40 01 00 00 01 40 9f 03"));
-    QTRY_COMPARE_WITH_TIMEOUT(
-        run.events, QStringList({"connection.request", "resend 40", "resend 40", "give up 40"}), kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(run.events,
+                              QStringList({"connection.request", "resend 40", "resend 40", "give up 40"}),
+                              kLongestWaitMs);
 }
 
 void TestBoxsimSession::followsItsScript()
@@ -115,7 +116,7 @@ void TestBoxsimSession::followsItsScript()
         script.at(60, sendBytes("02"));
     });
 
-    QTRY_COMPARE_WITH_TIMEOUT(run.line.steps, QStringList({"01", "hang-up", "return", "02"}), kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(run.line.steps, QStringList({"01", "hang-up", "return", "02"}), kLongestWaitMs);
     QCOMPARE(run.ended.times, 0);
 }
 
@@ -126,7 +127,7 @@ void TestBoxsimSession::saysOnceThatTheRunHasEnded()
         script.at(10, instruction(Instruction::Kind::End));
     });
 
-    QTRY_COMPARE_WITH_TIMEOUT(run.ended.times, 1, kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(run.ended.times, 1, kLongestWaitMs);
     Q_EMIT run.line.received(bytes(boxbench::kConnectRequest));
 
     QCOMPARE(run.ended.times, 1);
@@ -140,7 +141,7 @@ void TestBoxsimSession::saysWhyTheRunHasFailed()
         script.at(10, instruction(Instruction::Kind::Fail, QStringLiteral("no link")));
     });
 
-    QTRY_COMPARE_WITH_TIMEOUT(run.ended.times, 1, kLimitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(run.ended.times, 1, kLongestWaitMs);
 
     QCOMPARE(int(run.ended.ending), int(Ending::Failure));
     QCOMPARE(run.ended.failure, QStringLiteral("no link"));

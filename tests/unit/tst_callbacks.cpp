@@ -2,6 +2,7 @@
 #include "canbusplayer.h"
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
+#include "longestwait.h"
 #include "velclimategroupcmd.h"
 #include "velgaugesgroupcmd.h"
 #include "velparkinggroupcmd.h"
@@ -21,7 +22,6 @@ using namespace canbus;
 
 namespace {
 
-constexpr int kLongestWaitMs = 20000;
 const char *const kNoDevice = "/dev/canbus-missing";
 
 using Call = std::function<void(HandDrivenProtocol &)>;

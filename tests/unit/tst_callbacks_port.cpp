@@ -2,6 +2,7 @@
 #include "canbusplayer.h"
 #include "hexbytes.h"
 #include "logrecorder.h"
+#include "longestwait.h"
 #include "playerrig.h"
 #include "velcanbusprotocol.h"
 
@@ -19,7 +20,6 @@ using namespace canbus;
 
 namespace {
 
-constexpr int kLongestWaitMs = 20000;
 const char *const kNoDevice = "/dev/canbus-missing";
 
 /// What somebody may call in a slot on the port's thread.

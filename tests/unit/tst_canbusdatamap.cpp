@@ -1,6 +1,7 @@
 #include "player/canbusdatamap.h"
 
 #include <hexbytes.h>
+#include <longestwait.h>
 
 #include <QtCore/QThread>
 #include <QtTest/QTest>
@@ -177,7 +178,7 @@ void TestCanBusDataMap::bearsAReaderAndAWriterAtOnce()
         const QByteArray id = map()->getId(0x38);
         broken += whole && (id == bytes("11") || id == bytes("22")) && map()->isHasData(0x38) ? 0 : 1;
     }
-    QVERIFY(writer->wait(60000));
+    QVERIFY(writer->wait(kLongestWaitMs));
     QCOMPARE(broken, 0);
 }
 
@@ -201,7 +202,7 @@ void TestCanBusDataMap::bearsAReaderWhileFramesAreStored()
         const QByteArray id = map()->getId(0x39);
         broken += whole && (id == bytes("11") || id == bytes("22")) ? 0 : 1;
     }
-    QVERIFY(parser->wait(60000));
+    QVERIFY(parser->wait(kLongestWaitMs));
     QCOMPARE(broken, 0);
 }
 

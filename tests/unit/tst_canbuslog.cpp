@@ -2,6 +2,7 @@
 
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QStringList>
@@ -174,7 +175,7 @@ void TestCanbusLog::namesTheThreadThatWrites()
     }));
     car::report(0);
     other->start();
-    QVERIFY(other->wait(10000));
+    QVERIFY(other->wait(kLongestWaitMs));
     QCOMPARE(log.lines().size(), 3);
     QVERIFY(otherId != kernelThreadId());
     QCOMPARE(log.lines().at(0).text.section(' ', 1, 1), kernelThreadId());

@@ -6,6 +6,7 @@
 #include <canbusplayerprobe.h>
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 
 #include <QtCore/QThread>
@@ -272,7 +273,7 @@ void TestCanBusPlayer::writesToThePort()
     CanBusPlayer player;
     dataOf(player).serialPort = &port;
     player.writPortData(bytes("9f 06 9f 9f 00"));
-    QTRY_COMPARE(line.received(), bytes("9f 06 9f 9f 00"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("9f 06 9f 9f 00"), kLongestWaitMs);
 }
 
 void TestCanBusPlayer::writesOnTheCallersThread()
@@ -292,7 +293,7 @@ void TestCanBusPlayer::writesOnTheCallersThread()
     QThread *const writerAtReturn = writer;
     port->deleteLater();
     worker.quit();
-    QVERIFY(worker.wait(10000));
+    QVERIFY(worker.wait(kLongestWaitMs));
     QCOMPARE(writerAtReturn, QThread::currentThread());
 }
 

@@ -2,6 +2,7 @@
 
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <playerrig.h>
 
 #include <QtCore/QThread>
@@ -190,7 +191,7 @@ void TestCanBusPlayerInit::listensToTheTimer()
     rig.start();
     rig.syncTimer().start(1);
     // While the link is down an expiry ends the synchronisation.
-    QTRY_VERIFY(!rig.syncTimer().isActive());
+    QTRY_VERIFY_WITH_TIMEOUT(!rig.syncTimer().isActive(), kLongestWaitMs);
 }
 
 void TestCanBusPlayerInit::handsReceivedBytesToTheProtocolOnItsOwnThread()
@@ -198,7 +199,7 @@ void TestCanBusPlayerInit::handsReceivedBytesToTheProtocolOnItsOwnThread()
     PlayerRig rig;
     rig.start();
     QVERIFY(rig.line.send(bytes("31 9f 00")));
-    QTRY_COMPARE(rig.protocol.received, QList<QByteArray> {bytes("31 9f 00")});
+    QTRY_COMPARE_WITH_TIMEOUT(rig.protocol.received, QList<QByteArray> {bytes("31 9f 00")}, kLongestWaitMs);
     QCOMPARE(rig.protocol.receivedOn, QThread::currentThread());
 }
 
@@ -208,7 +209,7 @@ void TestCanBusPlayerInit::writesTheProtocolsBytes()
     rig.start();
     Q_EMIT rig.protocol.onWritPortData(bytes("9f 02 21 9f 9f 00"));
     Q_EMIT rig.protocol.onWritPortData(bytes("9f 06"));
-    QTRY_COMPARE(rig.line.received(), bytes("9f 02 21 9f 9f 00 9f 06"));
+    QTRY_COMPARE_WITH_TIMEOUT(rig.line.received(), bytes("9f 02 21 9f 9f 00 9f 06"), kLongestWaitMs);
 }
 
 void TestCanBusPlayerInit::writesOnTheWorkerThread()
@@ -222,7 +223,7 @@ void TestCanBusPlayerInit::writesOnTheWorkerThread()
         rig.port(), &SerialPort::status, rig.port(), [&writer] { writer = QThread::currentThread(); },
         Qt::DirectConnection);
     Q_EMIT rig.protocol.onWritPortData(bytes("00"));
-    QTRY_VERIFY(writer.load());
+    QTRY_VERIFY_WITH_TIMEOUT(writer.load(), kLongestWaitMs);
     QCOMPARE(writer.load(), rig.thread());
 }
 
@@ -242,7 +243,7 @@ void TestCanBusPlayerInit::connectsNothingWhenThePortFails()
     Q_EMIT rig.port()->read(bytes("31"));
     rig.syncTimer().start(1);
     QSignalSpy expired(&rig.syncTimer(), &QTimer::timeout);
-    QTRY_VERIFY(expired.size() >= 3);
+    QTRY_VERIFY_WITH_TIMEOUT(expired.size() >= 3, kLongestWaitMs);
     QCOMPARE(slotsIn(log), QStringList());
     QCOMPARE(status.size(), 0);
     QCOMPARE(rig.protocol.received, QList<QByteArray>());
@@ -270,7 +271,7 @@ void TestCanBusPlayerInit::startsAfterAFailure()
     QCOMPARE(rig.thread(), worker);
     QCOMPARE(rig.protocol.connections(), (QList<int> {1, 1, 1, 1, 1, 1, 1, 1, 1}));
     QVERIFY(rig.line.send(bytes("31")));
-    QTRY_COMPARE(rig.protocol.received, QList<QByteArray> {bytes("31")});
+    QTRY_COMPARE_WITH_TIMEOUT(rig.protocol.received, QList<QByteArray> {bytes("31")}, kLongestWaitMs);
 }
 
 void TestCanBusPlayerInit::makesNoSecondThread()
@@ -302,7 +303,7 @@ void TestCanBusPlayerInit::opensThePortAgainOnItsOwnThread()
     for (const LogLine &line : log.lines())
         QVERIFY2(line.type != QtWarningMsg, qPrintable(line.text));
     QVERIFY(second.send(bytes("31")));
-    QTRY_VERIFY(!rig.protocol.received.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!rig.protocol.received.isEmpty(), kLongestWaitMs);
 }
 
 void TestCanBusPlayerInit::doublesTheConnectionsWhenStartedTwice()
@@ -317,9 +318,10 @@ void TestCanBusPlayerInit::doublesTheConnectionsWhenStartedTwice()
     }
     QCOMPARE(rig.protocol.connections(), (QList<int> {2, 2, 2, 2, 2, 2, 2, 2, 2}));
     Q_EMIT rig.protocol.onWritPortData(bytes("9f 06"));
-    QTRY_COMPARE(rig.line.received(), bytes("9f 06 9f 06"));
+    QTRY_COMPARE_WITH_TIMEOUT(rig.line.received(), bytes("9f 06 9f 06"), kLongestWaitMs);
     QVERIFY(rig.line.send(bytes("31")));
-    QTRY_COMPARE(rig.protocol.received, (QList<QByteArray> {bytes("31"), bytes("31")}));
+    QTRY_COMPARE_WITH_TIMEOUT(rig.protocol.received, (QList<QByteArray> {bytes("31"), bytes("31")}),
+                              kLongestWaitMs);
 }
 
 void TestCanBusPlayerInit::takesTheSecondProtocol()
@@ -330,7 +332,7 @@ void TestCanBusPlayerInit::takesTheSecondProtocol()
     rig.player.init(&second);
     QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, &second);
     QVERIFY(rig.line.send(bytes("31")));
-    QTRY_VERIFY(!second.received.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!second.received.isEmpty(), kLongestWaitMs);
     QCOMPARE(rig.protocol.received, QList<QByteArray>());
 }
 
@@ -346,7 +348,7 @@ void TestCanBusPlayerInit::outlivesItsProtocol()
     rig.player.readPortData(bytes("31"));
     rig.player.init(&rig.protocol);
     QVERIFY(rig.line.send(bytes("32 33")));
-    QTRY_VERIFY(!rig.protocol.received.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!rig.protocol.received.isEmpty(), kLongestWaitMs);
     QCOMPARE(rig.protocol.received.first(), bytes("32 33"));
 }
 
@@ -367,12 +369,12 @@ void TestCanBusPlayerInit::startsAWorkerThreadThatHasEnded()
     PlayerRig rig;
     rig.startWithoutDevice();
     rig.thread()->quit();
-    QVERIFY(rig.thread()->wait(10000));
+    QVERIFY(rig.thread()->wait(kLongestWaitMs));
     rig.start();
     QVERIFY(rig.thread()->isRunning());
     QVERIFY(rig.port()->isOpen());
     QVERIFY(rig.line.send(bytes("31")));
-    QTRY_COMPARE(rig.protocol.received, QList<QByteArray> {bytes("31")});
+    QTRY_COMPARE_WITH_TIMEOUT(rig.protocol.received, QList<QByteArray> {bytes("31")}, kLongestWaitMs);
 }
 
 QTEST_GUILESS_MAIN(TestCanBusPlayerInit)

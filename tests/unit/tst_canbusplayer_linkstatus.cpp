@@ -1,5 +1,6 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
+#include "longestwait.h"
 #include "playerrig.h"
 
 #include <QtCore/QCoreApplication>
@@ -13,8 +14,6 @@
 using namespace canbus;
 
 namespace {
-
-constexpr int kLongestWaitMs = 20000;
 
 bool onAnotherThread(const std::function<void()> &run)
 {

@@ -1,5 +1,6 @@
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <playerrig.h>
 #include <pseudoterminal.h>
 
@@ -36,7 +37,7 @@ void CanBusPlayerReopenTest::opensAnotherLineWithoutWaitingForBlocksThatWait()
     QVERIFY2(clock.elapsed() < 2500, qPrintable(QString::number(clock.elapsed())));
 
     Q_EMIT rig.protocol.onWritPortData(bytes("9f 06 42 42 9f 03"));
-    QTRY_COMPARE(other.received(), bytes("9f 06 42 42 9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(other.received(), bytes("9f 06 42 42 9f 03"), kLongestWaitMs);
 }
 
 void CanBusPlayerReopenTest::writesWhatWaitsToALineThatTakesIt()
@@ -47,7 +48,7 @@ void CanBusPlayerReopenTest::writesWhatWaitsToALineThatTakesIt()
     rig.player.setUartPort(other.name(), 57600);
     Q_EMIT rig.protocol.onWritPortData(bytes("9f 06 21 21 9f 03"));
     rig.player.init(nullptr);
-    QTRY_COMPARE(rig.line.received(), bytes("9f 06 21 21 9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(rig.line.received(), bytes("9f 06 21 21 9f 03"), kLongestWaitMs);
     QCOMPARE(other.received(), QByteArray());
 }
 

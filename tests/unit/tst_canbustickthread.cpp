@@ -1,5 +1,6 @@
 #include "hexbytes.h"
 #include "logrecorder.h"
+#include "longestwait.h"
 #include "velcanbusprotocol.h"
 
 #include <QtCore/QDeadlineTimer>
@@ -19,8 +20,6 @@
 using namespace canbus;
 
 namespace {
-
-constexpr int kLongestWaitMs = 20000;
 
 void arrive(const QByteArray &bytes)
 {

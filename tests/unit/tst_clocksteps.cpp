@@ -3,6 +3,7 @@
 
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
@@ -30,7 +31,6 @@ bool isWallClock(clockid_t clock)
     return clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE || clock == CLOCK_TAI;
 }
 
-constexpr int kLongestWaitMs = 20000;
 constexpr long kHours = 3600;
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <failingwrites.h>
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <playerrig.h>
 
 #include <QtCore/QElapsedTimer>
@@ -17,7 +18,6 @@ using namespace canbus;
 
 namespace {
 
-constexpr int kLongestWaitMs = 20000;
 constexpr int kBurst = 6;
 constexpr int kAcknowledged = int(LinkHealth::Fate::Acknowledged);
 
@@ -184,7 +184,7 @@ void FailedWritesTest::recoversFromASingleFailure()
     QVERIFY(run(unit, kLongestWaitMs));
     QVERIFY(unit.isUp());
     QCOMPARE(unit.fates, QVector<int>(kBurst, kAcknowledged));
-    QTRY_COMPARE(unit.box.commands(), commands());
+    QTRY_COMPARE_WITH_TIMEOUT(unit.box.commands(), commands(), kLongestWaitMs);
     QCOMPARE(unit.portErrors(), 1U);
     QVERIFY2(log.messages("[ERR]").size() < 10, qPrintable(log.messages("[ERR]").join('/')));
 }
@@ -200,7 +200,7 @@ void FailedWritesTest::recoversFromALostBlock()
     QVERIFY(run(unit, kLongestWaitMs));
     QVERIFY(unit.isUp());
     QCOMPARE(unit.fates, QVector<int>(kBurst, kAcknowledged));
-    QTRY_COMPARE(unit.box.commands(), commands());
+    QTRY_COMPARE_WITH_TIMEOUT(unit.box.commands(), commands(), kLongestWaitMs);
     QVERIFY(unit.portErrors() >= 1U);
     QVERIFY2(log.messages("[ERR]").size() < 10, qPrintable(log.messages("[ERR]").join('/')));
 }
@@ -249,7 +249,8 @@ void FailedWritesTest::tellsOfAPortThatDoesNotOpen()
     rig.player.init(&protocol);
     QCOMPARE(protocol.linkHealth()->figures().portErrors, 3U);
     protocol.onRequestConnect();
-    QTRY_VERIFY(rig.line.received().contains(bytes("9f 02 21 01 00 00 00 20 9f 03")));
+    QTRY_VERIFY_WITH_TIMEOUT(rig.line.received().contains(bytes("9f 02 21 01 00 00 00 20 9f 03")),
+                             kLongestWaitMs);
 }
 
 QTEST_GUILESS_MAIN(FailedWritesTest)

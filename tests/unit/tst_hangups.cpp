@@ -5,6 +5,7 @@
 #include <heartbeat.h>
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <playerrig.h>
 #include <recordedport.h>
 
@@ -24,7 +25,6 @@ using namespace canbus;
 namespace {
 
 constexpr int kBaud = 57600;
-constexpr int kLongestWaitMs = 20000;
 constexpr int kIdleMs = 40; // for thousands of repetitions
 constexpr double kMaxShare = 0.05;
 constexpr double kMaxHeldMs = 20;
@@ -155,7 +155,7 @@ void HangUpsTest::hangUpUnderAPort(Traffic traffic, IdleTime &idle)
     line.hangUp();
     if (traffic == Traffic::WrittenAtOnce)
         it.port.writeData(kCommand);
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     it.port.writeData(kCommand);
     // A port that listens on would report hundreds more.
     idle.observe(kIdleMs);
@@ -184,7 +184,7 @@ void HangUpsTest::hangUpUnderAFacade(Traffic traffic, IdleTime &idle, double &le
     QTRY_COMPARE_WITH_TIMEOUT(errors, QList<int> {9}, kLongestWaitMs);
     Q_EMIT rig.protocol.onWritPortData(kCommand);
     idle.observe(kIdleMs);
-    QTRY_VERIFY(heartbeat.beats() > 0);
+    QTRY_VERIFY_WITH_TIMEOUT(heartbeat.beats() > 0, kLongestWaitMs);
     leastHeldMs = std::min(leastHeldMs, heartbeat.longestMs());
     QCOMPARE(errors, QList<int> {9});
     QVERIFY(rig.port()->isOpen());
@@ -199,7 +199,7 @@ void HangUpsTest::leavesTheProcessorIdle()
     int losses = 0;
     connect(rig.port(), &SerialPort::error, &rig.player, [&] { ++losses; });
     rig.line.hangUp();
-    QTRY_COMPARE(losses, 1);
+    QTRY_COMPARE_WITH_TIMEOUT(losses, 1, kLongestWaitMs);
     IdleTime idle;
     idle.observe(1000);
     QVERIFY2(idle.share() < kMaxShare, qPrintable(QString::number(idle.share())));
@@ -300,12 +300,12 @@ void HangUpsTest::opensAFreshLineInASlotOfTheLoss()
         if (round % 2 == 1)
             it.port.writeData(kCommand);
         lost.hangUp();
-        QTRY_COMPARE(it.connected.size(), 2);
+        QTRY_COMPARE_WITH_TIMEOUT(it.connected.size(), 2, kLongestWaitMs);
         disconnect(slot);
         it.port.writeData(bytes("01 02"));
-        QTRY_VERIFY(fresh.received().endsWith(bytes("01 02")));
+        QTRY_VERIFY_WITH_TIMEOUT(fresh.received().endsWith(bytes("01 02")), kLongestWaitMs);
         QVERIFY(fresh.send(bytes("03")));
-        QTRY_COMPARE(it.allRead(), bytes("03"));
+        QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("03"), kLongestWaitMs);
         QCOMPARE(it.error.size(), 1);
     }
 }

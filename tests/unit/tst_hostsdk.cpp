@@ -3,6 +3,8 @@
 #include <qxprivate.h>
 #include <touchevent.h>
 
+#include <longestwait.h>
+
 #include <QtCore/QCoreApplication>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
@@ -121,7 +123,7 @@ void TestHostSdk::deliversTheReverseGearQueued()
         [&received](bool reverse, int) { received.append(reverse); }, Qt::QueuedConnection);
     bridge->setReverse(true);
     QVERIFY(received.isEmpty());
-    QTRY_COMPARE(received, QList<bool> {true});
+    QTRY_COMPARE_WITH_TIMEOUT(received, QList<bool> {true}, kLongestWaitMs);
 }
 
 void TestHostSdk::clockNeedsNoSynchronisationAtStart()
@@ -192,7 +194,7 @@ void TestHostSdk::reachesTheApplicationSentOrPosted()
 
     QCoreApplication::postEvent(qApp, new TouchEvent(Qx::Touch81, -1, 5));
     QCOMPARE(recorder.touches.count(), 1);
-    QTRY_COMPARE(recorder.touches.count(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.touches.count(), 2, kLongestWaitMs);
     QCOMPARE(recorder.touches.at(1).touch, Qx::Touch81);
     QCOMPARE(recorder.touches.at(1).a, -1);
     QCOMPARE(recorder.touches.at(1).b, 5);

@@ -2,6 +2,8 @@
 #include <eventhandler.h>
 #include <srcdsplctrl.h>
 
+#include <longestwait.h>
+
 #include <QtCore/QMetaEnum>
 #include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
@@ -159,7 +161,7 @@ void TestHostSdkDisplay::deliversADisplayQueuedBySignature()
                     &recorder, SLOT(take(C::DSPLState, C::SourceState, QByteArray)), Qt::QueuedConnection));
     displays()->setCurrentDspl(C::DSPL_Vehicle);
     QVERIFY(recorder.displays.isEmpty());
-    QTRY_COMPARE(recorder.displays, QList<C::DSPLState> {C::DSPL_Vehicle});
+    QTRY_COMPARE_WITH_TIMEOUT(recorder.displays, QList<C::DSPLState> {C::DSPL_Vehicle}, kLongestWaitMs);
 }
 
 void TestHostSdkDisplay::handlerIsOneObjectWithOneController()

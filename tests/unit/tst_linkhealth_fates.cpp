@@ -1,5 +1,6 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
+#include "longestwait.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMetaEnum>
@@ -231,10 +232,10 @@ void LinkHealthFatesTest::reachesAListenerOnAnotherThread()
         protocol->onSaveSendCmdData(kFirst);
         protocol.passOver(kAckFirst);
         worker.start();
-        QTRY_VERIFY(listener.heardOn.load());
+        QTRY_VERIFY_WITH_TIMEOUT(listener.heardOn.load(), kLongestWaitMs);
     }
     worker.quit();
-    QVERIFY(worker.wait(10000));
+    QVERIFY(worker.wait(kLongestWaitMs));
     QCOMPARE(listener.heard, QStringList {"Acknowledged 1 9f02319300a29f03"});
     QCOMPARE(listener.heardOn.load(), &worker);
 }

@@ -1,5 +1,6 @@
 #include <figurechanges.h>
 #include <hexbytes.h>
+#include <longestwait.h>
 #include <playerrig.h>
 
 #include "velcanbusprotocol.h"
@@ -84,7 +85,7 @@ void LinkHealthPortTest::countsALostLine()
     start(rig, &protocol);
     FigureChanges changes(protocol.linkHealth());
     rig.line.hangUp();
-    QTRY_COMPARE(protocol.portErrors(), 1U);
+    QTRY_COMPARE_WITH_TIMEOUT(protocol.portErrors(), 1U, kLongestWaitMs);
     QCOMPARE(changes.take(), QStringList {"portErrors 1"});
 }
 
@@ -155,7 +156,7 @@ void LinkHealthPortTest::countsWhatArrivesAndWhatIsWritten()
     VelCanBusProtocol protocol;
     start(rig, &protocol);
     QVERIFY(rig.line.send(bytes("9f 02 21 08 00 29 9f 03")));
-    QTRY_COMPARE(rig.line.received(), bytes("9f 06 21 21 9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(rig.line.received(), bytes("9f 06 21 21 9f 03"), kLongestWaitMs);
     const LinkFigures figures = protocol.linkHealth()->figures();
     QCOMPARE(figures.receivedBytes, 8U);
     QCOMPARE(figures.receivedFrames, 1U);

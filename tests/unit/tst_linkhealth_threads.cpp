@@ -1,5 +1,6 @@
 #include "figurechanges.h"
 #include "hexbytes.h"
+#include "longestwait.h"
 #include "velcanbusprotocol.h"
 
 #include <QtCore/QMetaMethod>
@@ -15,7 +16,6 @@ using namespace canbus;
 
 namespace {
 
-constexpr int kLongestWaitMs = 30000;
 constexpr int kReports = 60;
 
 const QByteArray kClimate = bytes("9f 02 21 03 05 9f9f b8 9f 03");

@@ -1,5 +1,7 @@
 #include "recording/recording.h"
 
+#include <longestwait.h>
+
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
 #include <QtTest/QTest>
@@ -15,7 +17,6 @@ using canbus::recording::Writer;
 namespace {
 
 constexpr int kBlocks = 2000;
-constexpr int kWaitMs = 60000;
 
 /// The nth block of a thread: of a length of its own, filled with the thread's letter behind the number.
 QByteArray blockOf(char letter, int nth)
@@ -61,7 +62,7 @@ void tst_recording_threads::keepsBlocksWholeAndEachThreadsInOrder()
     const std::unique_ptr<QThread> sending(QThread::create(writes, Direction::Sent, 's'));
     receiving->start();
     sending->start();
-    QVERIFY(receiving->wait(kWaitMs) && sending->wait(kWaitMs));
+    QVERIFY(receiving->wait(kLongestWaitMs) && sending->wait(kLongestWaitMs));
 
     Recording recording;
     QString error;

@@ -1,5 +1,6 @@
 #include "hexbytes.h"
 #include "logrecorder.h"
+#include "longestwait.h"
 #include "player/canbusplayer.h"
 
 #include <eventhandler.h>
@@ -278,7 +279,7 @@ void TestScreens::movesOnAScreenOnceTheEventLoopRuns()
     player.onChangeDsp(payload);
     QCOMPARE(application.types, QList<int>());
 
-    QTRY_COMPARE(application.types, QList<int> {1008});
+    QTRY_COMPARE_WITH_TIMEOUT(application.types, QList<int> {1008}, kLongestWaitMs);
     QCOMPARE(application.takeTouches(), QStringList {touch});
 }
 
@@ -298,7 +299,7 @@ void TestScreens::movesOnEveryDisplay()
     ApplicationWatch application;
     show(display);
     player.onChangeDsp(bytes("04"));
-    QTRY_COMPARE(application.types, QList<int> {1008});
+    QTRY_COMPARE_WITH_TIMEOUT(application.types, QList<int> {1008}, kLongestWaitMs);
     QCOMPARE(application.takeTouches(), QStringList {"84 -1 5"});
 }
 
@@ -309,7 +310,7 @@ void TestScreens::keepsTheOrderOfItsMoves()
     player.onChangeDsp(bytes("04"));
     player.onChangeDsp(bytes("01"));
     player.onChangeDsp(bytes("01"));
-    QTRY_COMPARE(application.types.size(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(application.types.size(), 3, kLongestWaitMs);
     QCOMPARE(application.takeTouches(), (QStringList {"84 -1 5", "83 -1 5", "83 -1 5"}));
 }
 
@@ -322,8 +323,9 @@ void TestScreens::postsMovesWithNormalPriority()
     player.onChangeDsp(bytes("01"));
     postMarker(kSecondMarker);
     postMarker(kHighMarker, Qt::HighEventPriority);
-    QTRY_COMPARE(application.types,
-                 (QList<int> {kHighMarker, kFirstMarker, 1008, kSecondMarker, kLowMarker}));
+    QTRY_COMPARE_WITH_TIMEOUT(application.types,
+                              (QList<int> {kHighMarker, kFirstMarker, 1008, kSecondMarker, kLowMarker}),
+                              kLongestWaitMs);
 }
 
 void TestScreens::serializesATouch_data()
@@ -346,7 +348,7 @@ void TestScreens::serializesATouch()
     ApplicationWatch application;
     show(73);
     player.onChangeDsp(payload);
-    QTRY_COMPARE(application.serialized, QList<QByteArray> {serialized});
+    QTRY_COMPARE_WITH_TIMEOUT(application.serialized, QList<QByteArray> {serialized}, kLongestWaitMs);
 }
 
 void TestScreens::refusesOtherRequests_data()

@@ -1,5 +1,6 @@
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
@@ -116,7 +117,7 @@ void TestSerialPort::throwsAwayWhatWasWaitingBefore()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     QVERIFY(line.send(bytes("cc")));
-    QTRY_VERIFY(it.allRead().endsWith(bytes("cc")));
+    QTRY_VERIFY_WITH_TIMEOUT(it.allRead().endsWith(bytes("cc")), kLongestWaitMs);
     QCOMPARE(it.allRead(), bytes("cc"));
 }
 
@@ -185,7 +186,7 @@ void TestSerialPort::opensAfterAFailure()
     QCOMPARE(log.messages("[ERR]"), QStringList());
     QCOMPARE(it.connected.size(), 1);
     QVERIFY(line.send(bytes("9f 02")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 02"), kLongestWaitMs);
 }
 
 void TestSerialPort::reopensWithoutAnnouncingTheClosing()
@@ -200,7 +201,7 @@ void TestSerialPort::reopensWithoutAnnouncingTheClosing()
     QCOMPARE(it.disconnected.size() + it.error.size() + it.status.size(), 0);
 
     it.port.writeData(bytes("01"));
-    QTRY_COMPARE(second.received(), bytes("01"));
+    QTRY_COMPARE_WITH_TIMEOUT(second.received(), bytes("01"), kLongestWaitMs);
     QCOMPARE(first.received(), QByteArray());
     QVERIFY(!it.port.open(QStringLiteral("/dev/canbus-missing"), kBaud));
     QVERIFY(!it.port.isOpen());

@@ -2,6 +2,7 @@
 
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
@@ -92,7 +93,7 @@ void TestSerialPortErrors::reportsAResourceErrorOnce()
     LogRecorder log;
     failReads(it, EIO, kForEver);
     QVERIFY(line.send(bytes("01")));
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QCOMPARE(it.error.at(0).at(0).toString(), line.shortName());
     QCOMPARE(it.error.at(0).at(1).toInt(), 9);
     QCOMPARE(it.error.at(0).at(2).toString(), it.inner()->errorString());
@@ -110,7 +111,7 @@ void TestSerialPortErrors::reportsAResourceErrorOnceForEachOpen()
     LogRecorder log;
     failReads(it, EIO, kForEver);
     QVERIFY(line.send(bytes("01")));
-    QTRY_COMPARE(it.error.size(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 3, kLongestWaitMs);
     QCOMPARE(log.messages("[ERR]"), (QStringList {"9", "9", "9"}));
     QVERIFY(line.send(bytes("02")));
     QTest::qWait(100);
@@ -124,7 +125,7 @@ void TestSerialPortErrors::keepsThePortOpenAfterAResourceError()
     QVERIFY(it.port.open(line.name(), kBaud));
     failReads(it, EIO, kForEver);
     QVERIFY(line.send(bytes("01")));
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QVERIFY(it.port.isOpen());
     QCOMPARE(it.disconnected.size() + it.status.size() + it.read.size(), 0);
     it.port.writeData(bytes("02"));
@@ -139,13 +140,13 @@ void TestSerialPortErrors::readsAgainWhenReopened()
     QVERIFY(it.port.open(line.name(), kBaud));
     failReads(it, EIO, kForEver);
     QVERIFY(line.send(bytes("01")));
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     g_failingDescriptor = -1;
     QVERIFY(it.port.open(line.name(), kBaud));
     QVERIFY(line.send(bytes("9f 02")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 02"), kLongestWaitMs);
     it.port.writeData(bytes("9f 06"));
-    QTRY_COMPARE(line.received(), bytes("9f 06"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("9f 06"), kLongestWaitMs);
     QCOMPARE(it.error.size(), 1);
 }
 
@@ -168,13 +169,13 @@ void TestSerialPortErrors::listensOnAfterAFalseAlarm()
     LogRecorder log;
     findNothing(it, errorNumber);
     QVERIFY(line.send(bytes("01")));
-    QTRY_COMPARE(log.messages("[ERR]"), QStringList {logged});
+    QTRY_COMPARE_WITH_TIMEOUT(log.messages("[ERR]"), QStringList {logged}, kLongestWaitMs);
     QCOMPARE(it.error.size(), 0);
     QVERIFY(line.send(bytes("02 03")));
-    QTRY_VERIFY(!it.read.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(!it.read.isEmpty(), kLongestWaitMs);
     QCOMPARE(it.read.last().at(0).toByteArray(), bytes("02 03"));
     it.port.writeData(bytes("04"));
-    QTRY_COMPARE(line.received(), bytes("04"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("04"), kLongestWaitMs);
 }
 
 void TestSerialPortErrors::reportsAResourceErrorOfALineThatCanBeRead()
@@ -184,12 +185,12 @@ void TestSerialPortErrors::reportsAResourceErrorOfALineThatCanBeRead()
     QVERIFY(it.port.open(line.name(), kBaud));
     failReads(it, EIO, 1);
     QVERIFY(line.send(bytes("01 02")));
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QCOMPARE(it.error.at(0).at(1).toInt(), 9);
-    QTRY_COMPARE(it.read.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.read.size(), 1, kLongestWaitMs);
     QCOMPARE(it.read.at(0).at(0).toByteArray(), bytes("01 02"));
     QVERIFY(line.send(bytes("03")));
-    QTRY_COMPARE(it.read.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(it.read.size(), 2, kLongestWaitMs);
 }
 
 void TestSerialPortErrors::takesAReadThatFoundNothingForAFalseAlarm()
@@ -200,11 +201,11 @@ void TestSerialPortErrors::takesAReadThatFoundNothingForAFalseAlarm()
     LogRecorder log;
     failReads(it, EAGAIN, 1);
     QVERIFY(line.send(bytes("01 02")));
-    QTRY_COMPARE(it.allRead(), bytes("01 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("01 02"), kLongestWaitMs);
     QCOMPARE(log.messages("[ERR]"), QStringList {"9"});
     QCOMPARE(it.error.size(), 0);
     QVERIFY(line.send(bytes("03")));
-    QTRY_COMPARE(it.allRead(), bytes("01 02 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("01 02 03"), kLongestWaitMs);
 }
 
 void TestSerialPortErrors::readsWithoutAnErrorWhatComesWhileItWrites()
@@ -220,7 +221,7 @@ void TestSerialPortErrors::readsWithoutAnErrorWhatComesWhileItWrites()
         QMetaObject::invokeMethod(&it.port, "writeData", Qt::QueuedConnection,
                                   Q_ARG(QByteArray, bytes("04")));
         sent += bytes("01 02");
-        QTRY_COMPARE(it.allRead(), sent);
+        QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), sent, kLongestWaitMs);
     }
     QCOMPARE(log.messages("[ERR]"), QStringList());
     QCOMPARE(it.error.size(), 0);
@@ -234,12 +235,12 @@ void TestSerialPortErrors::onlyLogsAnotherError()
     LogRecorder log;
     failReads(it, EINVAL, 1);
     QVERIFY(line.send(bytes("9f 02")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 02"), kLongestWaitMs);
     QCOMPARE(log.messages("[ERR]"), QStringList {"8"});
     QCOMPARE(it.error.size() + it.disconnected.size() + it.status.size(), 0);
     // The line counts as whole: bytes still go out.
     it.port.writeData(bytes("9f 06"));
-    QTRY_COMPARE(line.received(), bytes("9f 06"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("9f 06"), kLongestWaitMs);
 }
 
 QTEST_GUILESS_MAIN(TestSerialPortErrors)

@@ -1,6 +1,7 @@
 #include <failingwrites.h>
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
@@ -71,9 +72,9 @@ void TestSerialPortFailedWrites::writesAgainAfterASingleFailure()
     QCOMPARE(it.error.size(), 1);
     QCOMPARE(it.error.at(0).at(0).toString(), line.shortName());
     QCOMPARE(it.error.at(0).at(1).toInt(), code);
-    QTRY_COMPARE(line.received(), bytes("01 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("01 02"), kLongestWaitMs);
     it.port.writeData(bytes("03"));
-    QTRY_COMPARE(line.received(), bytes("01 02 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("01 02 03"), kLongestWaitMs);
     QCOMPARE(it.error.size(), 1);
     QCOMPARE(log.messages("[ERR]"), (QStringList {QString::number(code), "write error"}));
 }
@@ -106,10 +107,10 @@ void TestSerialPortFailedWrites::readsWhileWritesFail()
     FailingWrites::fail(1, FailingWrites::kForEver, EIO);
     it.port.writeData(bytes("01"));
     QVERIFY(line.send(bytes("9f 02")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 02"), kLongestWaitMs);
     QTest::qWait(kWhileMs);
     QVERIFY(line.send(bytes("9f 03")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 02 9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 02 9f 03"), kLongestWaitMs);
 }
 
 void TestSerialPortFailedWrites::writesAgainOnceWritesSucceed()
@@ -127,9 +128,9 @@ void TestSerialPortFailedWrites::writesAgainOnceWritesSucceed()
     FailingWrites::failNone();
     it.port.writeData(bytes("02"));
     // The block that the port has kept, and none of those that came while it failed.
-    QTRY_COMPARE(line.received(), bytes("01 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("01 02"), kLongestWaitMs);
     it.port.writeData(bytes("03"));
-    QTRY_COMPARE(line.received(), bytes("01 02 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("01 02 03"), kLongestWaitMs);
     QCOMPARE(it.error.size(), 3);
 }
 
@@ -143,7 +144,7 @@ void TestSerialPortFailedWrites::reportsEachWriteThatFails()
     for (int count = 1; count <= 20; ++count) {
         it.port.writeData(bytes("9f 02 21 01 00 00 00 20 9f 03"));
         QCOMPARE(it.error.size(), count);
-        QTRY_VERIFY(FailingWrites::attempts() > count);
+        QTRY_VERIFY_WITH_TIMEOUT(FailingWrites::attempts() > count, kLongestWaitMs);
     }
     QTest::qWait(kWhileMs);
     QCOMPARE(FailingWrites::attempts(), 21);
@@ -184,9 +185,9 @@ void TestSerialPortFailedWrites::writesAgainOnceASlowLineHasCaughtUp()
     LogRecorder log;
     makeStuck(it);
     it.port.writeData(bytes("aa"));
-    QTRY_VERIFY(!line.received().isEmpty() && it.inner()->bytesToWrite() == 0);
+    QTRY_VERIFY_WITH_TIMEOUT(!line.received().isEmpty() && it.inner()->bytesToWrite() == 0, kLongestWaitMs);
     it.port.writeData(bytes("01 02"));
-    QTRY_VERIFY(line.received().endsWith(bytes("01 02")));
+    QTRY_VERIFY_WITH_TIMEOUT(line.received().endsWith(bytes("01 02")), kLongestWaitMs);
     // What was kept came late, what was dropped not at all.
     QVERIFY(!line.received().contains('\xaa'));
     log.clear();
@@ -208,7 +209,7 @@ void TestSerialPortFailedWrites::reportsTheLossOfALineThatIsFull()
     it.error.clear();
     log.clear();
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QCOMPARE(it.error.at(0).at(1).toInt(), 9);
     QTest::qWait(kWhileMs);
     QCOMPARE(it.error.size(), 1);
@@ -228,10 +229,10 @@ void TestSerialPortFailedWrites::dropsWhatIsWrittenOnceItHasStopped()
     QVERIFY(log.lines().isEmpty());
     // It reads on, and writes when it is opened again.
     QVERIFY(line.send(bytes("03")));
-    QTRY_COMPARE(it.allRead(), bytes("03"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("03"), kLongestWaitMs);
     QVERIFY(it.port.open(line.name(), kBaud));
     it.port.writeData(bytes("04"));
-    QTRY_COMPARE(line.received(), bytes("04"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("04"), kLongestWaitMs);
 }
 
 QTEST_GUILESS_MAIN(TestSerialPortFailedWrites)

@@ -2,6 +2,7 @@
 
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
@@ -56,7 +57,7 @@ void TestSerialPortLoss::reportsALostLineOnce()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QCOMPARE(it.error.at(0).at(0).toString(), line.shortName());
     QCOMPARE(it.error.at(0).at(1).toInt(), 9);
     QCOMPARE(it.error.at(0).at(2).toString(), it.inner()->errorString());
@@ -72,7 +73,7 @@ void TestSerialPortLoss::reportsALostLineOnceForEachOpen()
     QVERIFY(it.port.open(line.name(), kBaud));
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 2, kLongestWaitMs);
     QCOMPARE(it.error.at(0).at(1).toInt(), 9);
     QCOMPARE(it.error.at(1).at(1).toInt(), 9);
     processorShare();
@@ -87,7 +88,7 @@ void TestSerialPortLoss::countsAFailedOpenAsAnOpen()
     QVERIFY(it.port.open(line.name(), kBaud));
     it.error.clear();
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 2, kLongestWaitMs);
     processorShare();
     QCOMPARE(it.error.size(), 2);
 }
@@ -98,7 +99,7 @@ void TestSerialPortLoss::reportsNoMoreHoweverOftenThePortRepeatsItself()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     for (int count = 0; count < 10; ++count)
         it.port.handleError();
     QCOMPARE(it.error.size(), 1);
@@ -110,7 +111,7 @@ void TestSerialPortLoss::staysFormallyOpen()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QVERIFY(it.port.isOpen());
     QCOMPARE(it.disconnected.size() + it.status.size() + it.read.size(), 0);
 }
@@ -121,7 +122,7 @@ void TestSerialPortLoss::leavesTheProcessorIdle()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     const double share = processorShare();
     QVERIFY2(share < 0.05, qPrintable(QString::number(share)));
 }
@@ -133,7 +134,7 @@ void TestSerialPortLoss::writesFewLogLines()
     QVERIFY(it.port.open(line.name(), kBaud));
     LogRecorder log;
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     processorShare();
     it.port.writeData(bytes("01"));
     processorShare();
@@ -151,7 +152,7 @@ void TestSerialPortLoss::dropsWhatIsWrittenToALostLine()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     LogRecorder log;
     for (int count = 0; count < 100; ++count) {
         it.port.writeData(bytes("01"));
@@ -185,7 +186,7 @@ void TestSerialPortLoss::closesALostLine()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     it.port.disconnect();
     QVERIFY(!it.port.isOpen());
     QCOMPARE(it.disconnected.size(), 1);
@@ -201,13 +202,13 @@ void TestSerialPortLoss::worksAgainWhenReopened()
     RecordedPort it;
     QVERIFY(it.port.open(first.name(), kBaud));
     first.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QVERIFY(it.port.open(second.name(), kBaud));
     QCOMPARE(it.disconnected.size(), 0);
     it.port.writeData(bytes("9f 06"));
-    QTRY_COMPARE(second.received(), bytes("9f 06"));
+    QTRY_COMPARE_WITH_TIMEOUT(second.received(), bytes("9f 06"), kLongestWaitMs);
     QVERIFY(second.send(bytes("9f 02")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 02"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 02"), kLongestWaitMs);
     QCOMPARE(it.error.size(), 1);
 }
 
@@ -218,10 +219,10 @@ void TestSerialPortLoss::reportsTheLossOfAReopenedLine()
     RecordedPort it;
     QVERIFY(it.port.open(first.name(), kBaud));
     first.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QVERIFY(it.port.open(second.name(), kBaud));
     second.hangUp();
-    QTRY_COMPARE(it.error.size(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 3, kLongestWaitMs);
     QCOMPARE(it.error.at(2).at(0).toString(), second.shortName());
     processorShare();
     QCOMPARE(it.error.size(), 3);
@@ -233,7 +234,7 @@ void TestSerialPortLoss::failsToReopenAMissingDevice()
     RecordedPort it;
     QVERIFY(it.port.open(line.name(), kBaud));
     line.hangUp();
-    QTRY_COMPARE(it.error.size(), 1);
+    QTRY_COMPARE_WITH_TIMEOUT(it.error.size(), 1, kLongestWaitMs);
     QVERIFY(!it.port.open(line.name(), kBaud));
     QVERIFY(!it.port.isOpen());
     QCOMPARE(it.error.size(), 2);

@@ -2,6 +2,7 @@
 
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <longestwait.h>
 #include <pseudoterminal.h>
 #include <recordedport.h>
 
@@ -79,7 +80,7 @@ void TestSerialPortTransfer::writesBlocks()
     LogRecorder log;
     it.port.writeData(everyByteValue());
     it.port.writeData(bytes("9f 06 21"));
-    QTRY_COMPARE(line.received(), everyByteValue() + bytes("9f 06 21"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), everyByteValue() + bytes("9f 06 21"), kLongestWaitMs);
     QCOMPARE(it.error.size() + it.status.size(), 0);
     QVERIFY(log.lines().isEmpty());
 }
@@ -91,7 +92,7 @@ void TestSerialPortTransfer::writesAsManyBytesAsItIsTold()
     QVERIFY(it.port.open(line.name(), kBaud));
     it.port.writeData("\x9f\x02\x00\x9f\x03\x55", 5);
     it.port.writeData("\x11", 1);
-    QTRY_COMPARE(line.received(), bytes("9f 02 00 9f 03 11"));
+    QTRY_COMPARE_WITH_TIMEOUT(line.received(), bytes("9f 02 00 9f 03 11"), kLongestWaitMs);
     QCOMPARE(it.error.size() + it.status.size(), 0);
 }
 
@@ -117,7 +118,7 @@ void TestSerialPortTransfer::writesHexadecimalText()
     QVERIFY(it.port.open(line.name(), kBaud));
     it.port.writeData(text);
     it.port.writeData(bytes("ee")); // so that what is behind the text would be seen
-    QTRY_VERIFY(line.received().endsWith(bytes("ee")));
+    QTRY_VERIFY_WITH_TIMEOUT(line.received().endsWith(bytes("ee")), kLongestWaitMs);
     QCOMPARE(line.received(), written + bytes("ee"));
 }
 
@@ -146,7 +147,7 @@ void TestSerialPortTransfer::dropsWhatIsWrittenWhileClosed()
 
     QVERIFY(it.port.open(line.name(), kBaud));
     it.port.writeData(bytes("dd"));
-    QTRY_VERIFY(line.received().endsWith(bytes("dd")));
+    QTRY_VERIFY_WITH_TIMEOUT(line.received().endsWith(bytes("dd")), kLongestWaitMs);
     QCOMPARE(line.received(), bytes("dd"));
 }
 
@@ -170,7 +171,7 @@ void TestSerialPortTransfer::reportsAWriteThatDoesNotComplete()
 
     // The line is not given up: it goes on when the other side takes bytes again.
     it.port.writeData(bytes("ee"));
-    QTRY_VERIFY(line.received().endsWith(bytes("ee")));
+    QTRY_VERIFY_WITH_TIMEOUT(line.received().endsWith(bytes("ee")), kLongestWaitMs);
 }
 
 void TestSerialPortTransfer::waitsATenthOfASecondForAWrite()
@@ -220,7 +221,7 @@ void TestSerialPortTransfer::emitsAndBuffersWhatArrives()
     QVERIFY(it.port.open(line.name(), kBaud));
     LogRecorder log;
     QVERIFY(line.send(everyByteValue()));
-    QTRY_COMPARE(it.allRead(), everyByteValue());
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), everyByteValue(), kLongestWaitMs);
     QCOMPARE(bufferedBytes(), everyByteValue());
     QVERIFY(log.lines().isEmpty());
 }
@@ -242,7 +243,7 @@ void TestSerialPortTransfer::announcesABlockBeforeItIsBuffered()
             CanBusReadBuff::instance()->mutex.unlock();
     });
     QVERIFY(line.send(bytes("9f 03")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 03"), kLongestWaitMs);
     disconnect(CanBusReadBuff::instance(), nullptr, this, nullptr);
     QCOMPARE(announced, bytes("9f 03"));
     QVERIFY(!wasLocked);
@@ -263,11 +264,11 @@ void TestSerialPortTransfer::announcesABlockOnThePortsThread()
         [&announcedOn] { announcedOn = QThread::currentThread(); }, Qt::DirectConnection);
     worker.start();
     QVERIFY(line.send(bytes("21")));
-    QTRY_COMPARE(bufferedBytes(), bytes("21"));
+    QTRY_COMPARE_WITH_TIMEOUT(bufferedBytes(), bytes("21"), kLongestWaitMs);
     QCOMPARE(announcedOn.load(), &worker);
     port->deleteLater();
     worker.quit();
-    QVERIFY(worker.wait(10000));
+    QVERIFY(worker.wait(kLongestWaitMs));
 }
 
 void TestSerialPortTransfer::appendsToWhatIsBuffered()
@@ -279,7 +280,7 @@ void TestSerialPortTransfer::appendsToWhatIsBuffered()
     QByteArray bufferedWhenEmitted;
     connect(&it.port, &SerialPort::read, this, [&] { bufferedWhenEmitted = bufferedBytes(); });
     QVERIFY(line.send(bytes("9f 03")));
-    QTRY_COMPARE(it.allRead(), bytes("9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(it.allRead(), bytes("9f 03"), kLongestWaitMs);
     QCOMPARE(bufferedBytes(), bytes("9f 02 21 9f 03"));
     // In the buffer before it is announced, and the buffer is free again.
     QCOMPARE(bufferedWhenEmitted, bytes("9f 02 21 9f 03"));
@@ -292,9 +293,9 @@ void TestSerialPortTransfer::collectsAllThatIsThere()
     QVERIFY(it.port.open(line.name(), kBaud));
     it.inner()->blockSignals(true);
     QVERIFY(line.send(bytes("01 02")));
-    QTRY_COMPARE(it.inner()->bytesAvailable(), 2);
+    QTRY_COMPARE_WITH_TIMEOUT(it.inner()->bytesAvailable(), 2, kLongestWaitMs);
     QVERIFY(line.send(bytes("03")));
-    QTRY_COMPARE(it.inner()->bytesAvailable(), 3);
+    QTRY_COMPARE_WITH_TIMEOUT(it.inner()->bytesAvailable(), 3, kLongestWaitMs);
     it.inner()->blockSignals(false);
     QVERIFY(QMetaObject::invokeMethod(&it.port, "onReadyRead"));
     QCOMPARE(it.read.size(), 1);
@@ -315,16 +316,16 @@ void TestSerialPortTransfer::waitsForTheBuffer()
         QMutexLocker lock(&CanBusReadBuff::instance()->mutex);
         worker.start();
         QVERIFY(line.send(bytes("9f 03")));
-        QTRY_VERIFY(arrived);
+        QTRY_VERIFY_WITH_TIMEOUT(arrived, kLongestWaitMs);
         for (int look = 0; look < 50; ++look) {
             QThread::msleep(1);
             QCOMPARE(CanBusReadBuff::instance()->data, QByteArray());
         }
     }
-    QTRY_COMPARE(bufferedBytes(), bytes("9f 03"));
+    QTRY_COMPARE_WITH_TIMEOUT(bufferedBytes(), bytes("9f 03"), kLongestWaitMs);
     port->deleteLater();
     worker.quit();
-    QVERIFY(worker.wait(10000));
+    QVERIFY(worker.wait(kLongestWaitMs));
 }
 
 void TestSerialPortTransfer::logsAReadWithoutBytes()
@@ -355,7 +356,7 @@ void TestSerialPortTransfer::handlesReadyReadTwiceWhenOpenedTwice()
     QVERIFY(it.port.open(line.name(), kBaud));
     LogRecorder log;
     QVERIFY(line.send(bytes("21")));
-    QTRY_COMPARE(log.messages("[DBG]"), QStringList {"buf is empty."});
+    QTRY_COMPARE_WITH_TIMEOUT(log.messages("[DBG]"), QStringList {"buf is empty."}, kLongestWaitMs);
     QCOMPARE(it.read.size(), 1);
     QCOMPARE(it.allRead(), bytes("21"));
     QCOMPARE(bufferedBytes(), bytes("21"));

@@ -1,5 +1,6 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
+#include "longestwait.h"
 
 #include <QtCore/QThread>
 #include <QtTest/QTest>
@@ -11,7 +12,6 @@ using namespace canbus;
 
 namespace {
 
-constexpr int kLongestWaitMs = 20000;
 constexpr int kFarTooMany = 100;
 
 const QByteArray kCommand = bytes("9f 02 31 93 00 a2 9f 03");

@@ -1,5 +1,6 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
+#include "longestwait.h"
 #include "player/canbusdatamap.h"
 
 #include <QtCore/QDeadlineTimer>
@@ -17,8 +18,6 @@
 using namespace canbus;
 
 namespace {
-
-constexpr int kLongestWaitMs = 20000;
 
 const QByteArray kFirst = bytes("9f 02 31 93 00 a2 9f 03");
 const QByteArray kSecond = bytes("9f 02 32 94 00 a6 9f 03");

@@ -1,5 +1,6 @@
 #include "hexbytes.h"
 #include "logrecorder.h"
+#include "longestwait.h"
 #include "velcanbusprotocol.h"
 
 #include <QtCore/QElapsedTimer>
@@ -57,7 +58,6 @@ private:
 // Timers of this kind may be early by a twentieth, and late by whatever the machine does meanwhile.
 constexpr int kLeastResendMs = 280;
 constexpr int kLeastRequestMs = 1890;
-constexpr int kLongestWaitMs = 60000;
 
 } // namespace
 
