@@ -1,6 +1,6 @@
 #include "velclimategroupcmd.h"
 
-#include <climaterecorder.h>
+#include <announcements.h>
 #include <hexbytes.h>
 #include <logrecorder.h>
 
@@ -57,25 +57,25 @@ void TestClimateItems::readsTypeAndTitle_data()
     QTest::addColumn<QByteArray>("data");
     QTest::addColumn<QStringList>("announced");
     QTest::newRow("up to the first zero byte")
-        << bytes("05 41 43 00 42 00") << QStringList {"updateClimateType 5", "updateClimateTopText \"AC\""};
+        << bytes("05 41 43 00 42 00") << QStringList {"updateClimateType(5)", "updateClimateTopText('AC')"};
     QTest::newRow("up to the end") << bytes("00 41 43")
-                                   << QStringList {"updateClimateType 0", "updateClimateTopText \"AC\""};
-    QTest::newRow("an empty title is none") << bytes("05 00") << QStringList {"updateClimateType 5"};
+                                   << QStringList {"updateClimateType(0)", "updateClimateTopText('AC')"};
+    QTest::newRow("an empty title is none") << bytes("05 00") << QStringList {"updateClimateType(5)"};
     QTest::newRow("the type is unsigned")
-        << bytes("9f 41") << QStringList {"updateClimateType 159", "updateClimateTopText \"A\""};
-    QTest::newRow("the greatest type") << bytes("ff 00") << QStringList {"updateClimateType 255"};
+        << bytes("9f 41") << QStringList {"updateClimateType(159)", "updateClimateTopText('A')"};
+    QTest::newRow("the greatest type") << bytes("ff 00") << QStringList {"updateClimateType(255)"};
     QTest::newRow("UTF-8") << bytes("01 c2 b0 43 00")
-                           << QStringList {"updateClimateType 1",
-                                           QString::fromUtf16(u"updateClimateTopText \"\u00b0C\"")};
+                           << QStringList {"updateClimateType(1)",
+                                           QString::fromUtf16(u"updateClimateTopText('\u00b0C')")};
     QTest::newRow("undecodable bytes vanish")
-        << bytes("01 41 ff 42 00") << QStringList {"updateClimateType 1", "updateClimateTopText \"AB\""};
+        << bytes("01 41 ff 42 00") << QStringList {"updateClimateType(1)", "updateClimateTopText('AB')"};
 }
 
 void TestClimateItems::readsTypeAndTitle()
 {
     QFETCH(QByteArray, data);
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateType(data);
     QTEST(seen.take(), "announced");
 }
@@ -83,17 +83,17 @@ void TestClimateItems::readsTypeAndTitle()
 void TestClimateItems::announcesTypeAndTitleOnChanges()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateType(bytes("05 41 00"));
     seen.take();
     group.onClimateType(bytes("05 41 00"));
     QCOMPARE(seen.take(), QStringList());
     group.onClimateType(bytes("06 41 00"));
-    QCOMPARE(seen.take(), QStringList {"updateClimateType 6"});
+    QCOMPARE(seen.take(), QStringList {"updateClimateType(6)"});
     group.onClimateType(bytes("06 42 00"));
-    QCOMPARE(seen.take(), QStringList {"updateClimateTopText \"B\""});
+    QCOMPARE(seen.take(), QStringList {"updateClimateTopText('B')"});
     group.onClimateType(bytes("06 00"));
-    QCOMPARE(seen.take(), QStringList {"updateClimateTopText \"\""});
+    QCOMPARE(seen.take(), QStringList {"updateClimateTopText('')"});
 }
 
 void TestClimateItems::refusesATypeWithoutTitle_data()
@@ -107,7 +107,7 @@ void TestClimateItems::refusesATypeWithoutTitle()
 {
     QFETCH(QByteArray, data);
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     LogRecorder log;
     group.onClimateType(data);
     QCOMPARE(seen.take(), QStringList());
@@ -117,15 +117,15 @@ void TestClimateItems::refusesATypeWithoutTitle()
 void TestClimateItems::repeatsATitleThatCleaningAlters()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     const QByteArray spoilt = bytes("05 41 ff 42 00");
     group.onClimateType(spoilt);
-    QCOMPARE(seen.take(), (QStringList {"updateClimateType 5", "updateClimateTopText \"AB\""}));
+    QCOMPARE(seen.take(), (QStringList {"updateClimateType(5)", "updateClimateTopText('AB')"}));
     LogRecorder log;
     group.onClimateType(spoilt);
-    QCOMPARE(seen.take(), QStringList {"updateClimateTopText \"AB\""});
+    QCOMPARE(seen.take(), QStringList {"updateClimateTopText('AB')"});
     group.onClimateType(spoilt);
-    QCOMPARE(seen.take(), QStringList {"updateClimateTopText \"AB\""});
+    QCOMPARE(seen.take(), QStringList {"updateClimateTopText('AB')"});
     QCOMPARE(log.messages("[DBG]"), (QStringList {"\"AB\"", "\"AB\""}));
     // The clean form of the same title is what is stored.
     group.onClimateType(bytes("05 41 42 00"));
@@ -156,15 +156,15 @@ void TestClimateItems::splitsTheLabels()
 void TestClimateItems::announcesLabelsOnChanges()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateCustomLabel(bytes("41 00"));
-    QCOMPARE(seen.take(), QStringList {"updateClimateComText A"});
+    QCOMPARE(seen.take(), QStringList {"updateClimateComText(['A'])"});
     group.onClimateCustomLabel(bytes("41 00"));
     // Undecodable bytes are gone before the labels are compared.
     group.onClimateCustomLabel(bytes("41 ff 00"));
     QCOMPARE(seen.take(), QStringList());
     group.onClimateCustomLabel(bytes("41 00 42 00"));
-    QCOMPARE(seen.take(), QStringList {"updateClimateComText A|B"});
+    QCOMPARE(seen.take(), QStringList {"updateClimateComText(['A', 'B'])"});
 }
 
 void TestClimateItems::repeatsAnEmptyListOfLabels()
@@ -186,7 +186,7 @@ void TestClimateItems::repeatsAnEmptyListOfLabels()
 void TestClimateItems::refusesAPayloadWithoutLabels()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     LogRecorder log;
     group.onClimateCustomLabel(QByteArray());
     QCOMPARE(seen.take(), QStringList());
@@ -196,25 +196,25 @@ void TestClimateItems::refusesAPayloadWithoutLabels()
 void TestClimateItems::reportsItsInitialValues()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     QVERIFY(QMetaObject::invokeMethod(&group, "getClimateInfo"));
     QCOMPARE(seen.take(),
              (QStringList {
-                 "updateClimateType -1",
-                 "updateClimateTopText \"\"",
-                 "updateClimateComText ",
-                 "updateClimateBtnStatus ",
-                 "updateClimateMainTemp -1 -1",
-                 "updateClimateSecondTemp -1 -1",
-                 "updateClimateHeatSeat -1 -1",
-                 "updateClimateCoolSeat -1 -1",
-                 "updateClimateFanDirectValue -1",
-                 "updateClimateFanSpeedStatus -1",
-                 "updateClimateVentPosition -1",
-                 "updateClimateFanDirect -1",
-                 "updateClimateManualTempValue -1",
-                 "updateClimateSystem false",
-                 "updateClimateDriverSeatPos false",
+                 "updateClimateType(-1)",
+                 "updateClimateTopText('')",
+                 "updateClimateComText([])",
+                 "updateClimateBtnStatus([])",
+                 "updateClimateMainTemp(-1, -1)",
+                 "updateClimateSecondTemp(-1, -1)",
+                 "updateClimateHeatSeat(-1, -1)",
+                 "updateClimateCoolSeat(-1, -1)",
+                 "updateClimateFanDirectValue(-1)",
+                 "updateClimateFanSpeedStatus(-1)",
+                 "updateClimateVentPosition(-1)",
+                 "updateClimateFanDirect(-1)",
+                 "updateClimateManualTempValue(-1)",
+                 "updateClimateSystem(false)",
+                 "updateClimateDriverSeatPos(false)",
              }));
 }
 
@@ -224,24 +224,24 @@ void TestClimateItems::reportsWhatItHasStored()
     group.onClimateType(bytes("05 41 43 00"));
     group.onClimateCustomLabel(bytes("41 00 42 00"));
     group.onClimateData(bytes("01 2c 00 d7 9b 1b 12 34 64 b9 5a c6 1d 3e c8"));
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     LogRecorder log;
     const QStringList all {
-        "updateClimateType 5",
-        "updateClimateTopText \"AC\"",
-        "updateClimateComText A|B",
-        "updateClimateBtnStatus 23012332122301201323",
-        "updateClimateMainTemp 300 2",
-        "updateClimateSecondTemp 215 1",
-        "updateClimateHeatSeat 1 2",
-        "updateClimateCoolSeat 3 4",
-        "updateClimateFanDirectValue 100",
-        "updateClimateFanSpeedStatus 2",
-        "updateClimateVentPosition 5",
-        "updateClimateFanDirect 1",
-        "updateClimateManualTempValue 200",
-        "updateClimateSystem true",
-        "updateClimateDriverSeatPos true",
+        "updateClimateType(5)",
+        "updateClimateTopText('AC')",
+        "updateClimateComText(['A', 'B'])",
+        "updateClimateBtnStatus([2, 3, 0, 1, 2, 3, 3, 2, 1, 2, 2, 3, 0, 1, 2, 0, 1, 3, 2, 3])",
+        "updateClimateMainTemp(300, 2)",
+        "updateClimateSecondTemp(215, 1)",
+        "updateClimateHeatSeat(1, 2)",
+        "updateClimateCoolSeat(3, 4)",
+        "updateClimateFanDirectValue(100)",
+        "updateClimateFanSpeedStatus(2)",
+        "updateClimateVentPosition(5)",
+        "updateClimateFanDirect(1)",
+        "updateClimateManualTempValue(200)",
+        "updateClimateSystem(true)",
+        "updateClimateDriverSeatPos(true)",
     };
     group.getClimateInfo();
     QCOMPARE(seen.take(), all);
@@ -256,7 +256,7 @@ void TestClimateItems::keepsItsStateThroughErrors()
     group.onClimateType(bytes("05 41 00"));
     group.onClimateCustomLabel(bytes("42 00"));
     group.onClimateData(kZeros);
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.getClimateInfo();
     const QStringList before = seen.take();
     group.onClimateType(bytes("09"));
@@ -270,7 +270,7 @@ void TestClimateItems::keepsItsStateThroughErrors()
 void TestClimateItems::decodesEachItemAlone()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     const QByteArray data = bytes("01 2c 00 d7 9b 1b 12 34 64 b9 5a c6 1d 3e c8");
     group.onClimateManualTempValue(200);
     group.onClimateFanDirect(data);
@@ -286,17 +286,17 @@ void TestClimateItems::decodesEachItemAlone()
     group.onClimateSystem(char(0x9f));
     QCOMPARE(seen.take(),
              (QStringList {
-                 "updateClimateManualTempValue 200",
-                 "updateClimateFanDirect 1",
-                 "updateClimateVentPosition 5",
-                 "updateClimateFanSpeedStatus 2",
-                 "updateClimateFanDirectValue 255",
-                 "updateClimateCoolSeat 3 4",
-                 "updateClimateHeatSeat 1 2",
-                 "updateClimateSecondTemp 215 1",
-                 "updateClimateMainTemp 300 2",
-                 "updateClimateBtnStatus 23012332122301201323",
-                 "updateClimateSystem true",
+                 "updateClimateManualTempValue(200)",
+                 "updateClimateFanDirect(1)",
+                 "updateClimateVentPosition(5)",
+                 "updateClimateFanSpeedStatus(2)",
+                 "updateClimateFanDirectValue(255)",
+                 "updateClimateCoolSeat(3, 4)",
+                 "updateClimateHeatSeat(1, 2)",
+                 "updateClimateSecondTemp(215, 1)",
+                 "updateClimateMainTemp(300, 2)",
+                 "updateClimateBtnStatus([2, 3, 0, 1, 2, 3, 3, 2, 1, 2, 2, 3, 0, 1, 2, 0, 1, 3, 2, 3])",
+                 "updateClimateSystem(true)",
              }));
 }
 
@@ -304,7 +304,7 @@ void TestClimateItems::announcesAPairWhenEitherPartChanges()
 {
     VelClimateGroupCmd group;
     group.onClimateData(kZeros);
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     LogRecorder log;
     group.onClimateMainTemp(bytes("00 01 00 00 00"));
     group.onClimateMainTemp(bytes("00 01 00 00 40"));
@@ -313,8 +313,8 @@ void TestClimateItems::announcesAPairWhenEitherPartChanges()
     group.onClimateSecondTemp(bytes("00 00 00 02 10"));
     group.onClimateSecondTemp(bytes("ff ff 00 02 df"));
     QCOMPARE(seen.take(),
-             (QStringList {"updateClimateMainTemp 1 0", "updateClimateMainTemp 1 1",
-                           "updateClimateSecondTemp 2 0", "updateClimateSecondTemp 2 1"}));
+             (QStringList {"updateClimateMainTemp(1, 0)", "updateClimateMainTemp(1, 1)",
+                           "updateClimateSecondTemp(2, 0)", "updateClimateSecondTemp(2, 1)"}));
     group.onClimateHeatSeat(bytes("00 00 00 00 00 00 30"));
     group.onClimateHeatSeat(bytes("00 00 00 00 00 00 34"));
     group.onClimateHeatSeat(bytes("00 00 00 00 00 00 34"));
@@ -322,8 +322,8 @@ void TestClimateItems::announcesAPairWhenEitherPartChanges()
     group.onClimateCoolSeat(bytes("00 00 00 00 00 00 00 56"));
     group.onClimateCoolSeat(bytes("00 00 00 00 00 00 00 56"));
     QCOMPARE(seen.take(),
-             (QStringList {"updateClimateHeatSeat 3 0", "updateClimateHeatSeat 3 4",
-                           "updateClimateCoolSeat 5 0", "updateClimateCoolSeat 5 6"}));
+             (QStringList {"updateClimateHeatSeat(3, 0)", "updateClimateHeatSeat(3, 4)",
+                           "updateClimateCoolSeat(5, 0)", "updateClimateCoolSeat(5, 6)"}));
     QCOMPARE(log.messages("[DBG]").size(), 4 + 2 * 4);
 }
 

@@ -2,7 +2,7 @@
 
 #include "player/canbusplayer.h"
 
-#include <climaterecorder.h>
+#include <announcements.h>
 #include <hexbytes.h>
 #include <logrecorder.h>
 
@@ -21,6 +21,13 @@ QByteArray with(int index, int value)
     QByteArray data = kZeros;
     data[index] = char(value);
     return data;
+}
+
+/// The signal of the buttons with these states, each a digit.
+QString announcedButtons(const QString &states)
+{
+    const QStringList digits = states.split(QString(), Qt::SkipEmptyParts);
+    return QStringLiteral("updateClimateBtnStatus([%1])").arg(digits.join(QStringLiteral(", ")));
 }
 
 } // namespace
@@ -52,39 +59,40 @@ private Q_SLOTS:
 void TestClimateStatus::announcesEveryItemOfTheFirstPayload()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateData(kZeros);
     QCOMPARE(seen.take(),
              (QStringList {
-                 "updateClimateBtnStatus 00000000000000000000",
-                 "updateClimateMainTemp 0 0",
-                 "updateClimateSecondTemp 0 0",
-                 "updateClimateHeatSeat 0 0",
-                 "updateClimateCoolSeat 0 0",
-                 "updateClimateFanDirectValue 0",
-                 "updateClimateFanSpeedStatus 0",
-                 "updateClimateVentPosition 0",
-                 "updateClimateFanDirect 0",
-                 "updateClimateManualTempValue 0",
+                 "updateClimateBtnStatus([0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0])",
+                 "updateClimateMainTemp(0, 0)",
+                 "updateClimateSecondTemp(0, 0)",
+                 "updateClimateHeatSeat(0, 0)",
+                 "updateClimateCoolSeat(0, 0)",
+                 "updateClimateFanDirectValue(0)",
+                 "updateClimateFanSpeedStatus(0)",
+                 "updateClimateVentPosition(0)",
+                 "updateClimateFanDirect(0)",
+                 "updateClimateManualTempValue(0)",
              }));
 }
 
 void TestClimateStatus::announcesTheFlagsFirst()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateData(with(13, 0x30));
     const QStringList announced = seen.take();
     QCOMPARE(announced.size(), 12);
     QCOMPARE(announced.mid(0, 3),
-             (QStringList {"updateClimateSystem true", "updateClimateDriverSeatPos true",
-                           "updateClimateBtnStatus 00000000000000000000"}));
+             (QStringList {
+                 "updateClimateSystem(true)", "updateClimateDriverSeatPos(true)",
+                 "updateClimateBtnStatus([0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0])"}));
 }
 
 void TestClimateStatus::announcesNothingThatStaysTheSame()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     const QByteArray data = bytes("01 2c 00 d7 9f ff 34 56 9f 9f 7f ff ff 3f 9f");
     group.onClimateData(data);
     QCOMPARE(seen.take().size(), 12);
@@ -107,7 +115,7 @@ void TestClimateStatus::refusesAShortPayload()
     QFETCH(QByteArray, data);
     VelClimateGroupCmd group;
     group.onClimateData(kZeros);
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     LogRecorder log;
     group.onClimateData(data);
     QCOMPARE(seen.take(), QStringList());
@@ -122,7 +130,7 @@ void TestClimateStatus::refusesAShortPayload()
 void TestClimateStatus::takesALongerPayload()
 {
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     LogRecorder log;
     group.onClimateData(kZeros + bytes("ff ff ff"));
     QCOMPARE(seen.take().size(), 10);
@@ -139,34 +147,34 @@ void TestClimateStatus::readsEachItem_data()
     const auto row = [](const char *name, int index, int value, const QStringList &announced) {
         QTest::newRow(name) << index << value << announced;
     };
-    row("main temperature, high byte", 0, 0x9f, {"updateClimateMainTemp 40704 0"});
-    row("main temperature, low byte", 1, 0xd7, {"updateClimateMainTemp 215 0"});
-    row("second temperature, high byte", 2, 0x01, {"updateClimateSecondTemp 256 0"});
-    row("second temperature, low byte", 3, 0xff, {"updateClimateSecondTemp 255 0"});
-    row("main unit 1", 4, 0x40, {"updateClimateMainTemp 0 1"});
-    row("main unit 2", 4, 0x80, {"updateClimateMainTemp 0 2"});
-    row("main unit 3", 4, 0xc0, {"updateClimateMainTemp 0 3"});
-    row("second unit 1", 4, 0x10, {"updateClimateSecondTemp 0 1"});
-    row("second unit 2", 4, 0x20, {"updateClimateSecondTemp 0 2"});
-    row("second unit 3", 4, 0x30, {"updateClimateSecondTemp 0 3"});
-    row("left heated seat", 6, 0x50, {"updateClimateHeatSeat 5 0"});
-    row("right heated seat", 6, 0x05, {"updateClimateHeatSeat 0 5"});
-    row("left cooled seat", 7, 0x80, {"updateClimateCoolSeat 8 0"});
-    row("right cooled seat", 7, 0x08, {"updateClimateCoolSeat 0 8"});
-    row("fan direct value", 8, 0x9f, {"updateClimateFanDirectValue 159"});
-    row("fan direct value, greatest", 8, 0xff, {"updateClimateFanDirectValue 255"});
-    row("fan speed status 1", 9, 0x40, {"updateClimateFanSpeedStatus 1"});
-    row("fan speed status 2", 9, 0x80, {"updateClimateFanSpeedStatus 2"});
-    row("fan speed status 3", 9, 0xc0, {"updateClimateFanSpeedStatus 3"});
-    row("vent position", 10, 0x70, {"updateClimateVentPosition 7"});
-    row("fan direct 1", 12, 0x01, {"updateClimateFanDirect 1"});
-    row("fan direct 2", 12, 0x02, {"updateClimateFanDirect 2"});
-    row("fan direct 3", 12, 0x03, {"updateClimateFanDirect 3"});
-    row("driver seat position", 13, 0x20, {"updateClimateDriverSeatPos true"});
-    row("system state", 13, 0x10, {"updateClimateSystem true"});
+    row("main temperature, high byte", 0, 0x9f, {"updateClimateMainTemp(40704, 0)"});
+    row("main temperature, low byte", 1, 0xd7, {"updateClimateMainTemp(215, 0)"});
+    row("second temperature, high byte", 2, 0x01, {"updateClimateSecondTemp(256, 0)"});
+    row("second temperature, low byte", 3, 0xff, {"updateClimateSecondTemp(255, 0)"});
+    row("main unit 1", 4, 0x40, {"updateClimateMainTemp(0, 1)"});
+    row("main unit 2", 4, 0x80, {"updateClimateMainTemp(0, 2)"});
+    row("main unit 3", 4, 0xc0, {"updateClimateMainTemp(0, 3)"});
+    row("second unit 1", 4, 0x10, {"updateClimateSecondTemp(0, 1)"});
+    row("second unit 2", 4, 0x20, {"updateClimateSecondTemp(0, 2)"});
+    row("second unit 3", 4, 0x30, {"updateClimateSecondTemp(0, 3)"});
+    row("left heated seat", 6, 0x50, {"updateClimateHeatSeat(5, 0)"});
+    row("right heated seat", 6, 0x05, {"updateClimateHeatSeat(0, 5)"});
+    row("left cooled seat", 7, 0x80, {"updateClimateCoolSeat(8, 0)"});
+    row("right cooled seat", 7, 0x08, {"updateClimateCoolSeat(0, 8)"});
+    row("fan direct value", 8, 0x9f, {"updateClimateFanDirectValue(159)"});
+    row("fan direct value, greatest", 8, 0xff, {"updateClimateFanDirectValue(255)"});
+    row("fan speed status 1", 9, 0x40, {"updateClimateFanSpeedStatus(1)"});
+    row("fan speed status 2", 9, 0x80, {"updateClimateFanSpeedStatus(2)"});
+    row("fan speed status 3", 9, 0xc0, {"updateClimateFanSpeedStatus(3)"});
+    row("vent position", 10, 0x70, {"updateClimateVentPosition(7)"});
+    row("fan direct 1", 12, 0x01, {"updateClimateFanDirect(1)"});
+    row("fan direct 2", 12, 0x02, {"updateClimateFanDirect(2)"});
+    row("fan direct 3", 12, 0x03, {"updateClimateFanDirect(3)"});
+    row("driver seat position", 13, 0x20, {"updateClimateDriverSeatPos(true)"});
+    row("system state", 13, 0x10, {"updateClimateSystem(true)"});
     row("the two highest bits beside the flags mean nothing", 13, 0xc0, {});
-    row("manual temperature value", 14, 0x21, {"updateClimateManualTempValue 33"});
-    row("manual temperature value, greatest", 14, 0xff, {"updateClimateManualTempValue 255"});
+    row("manual temperature value", 14, 0x21, {"updateClimateManualTempValue(33)"});
+    row("manual temperature value, greatest", 14, 0xff, {"updateClimateManualTempValue(255)"});
 }
 
 void TestClimateStatus::readsEachItem()
@@ -175,7 +183,7 @@ void TestClimateStatus::readsEachItem()
     QFETCH(int, value);
     VelClimateGroupCmd group;
     group.onClimateData(kZeros);
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateData(with(index, value));
     QTEST(seen.take(), "announced");
 }
@@ -194,22 +202,22 @@ void TestClimateStatus::readsSeatLevelsAndVentPosition()
     QFETCH(int, value);
     QFETCH(int, state);
     VelClimateGroupCmd group;
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     // The neighbouring half byte is 1, and does not count.
     group.onClimateHeatSeat(with(6, value * 0x10 + 1));
     group.onClimateCoolSeat(with(7, value * 0x10 + 1));
     group.onClimateVentPosition(with(10, value * 0x10 + 1));
     QCOMPARE(seen.take(),
-             (QStringList {QStringLiteral("updateClimateHeatSeat %1 1").arg(state),
-                           QStringLiteral("updateClimateCoolSeat %1 1").arg(state),
-                           QStringLiteral("updateClimateVentPosition %1").arg(state)}));
+             (QStringList {QStringLiteral("updateClimateHeatSeat(%1, 1)").arg(state),
+                           QStringLiteral("updateClimateCoolSeat(%1, 1)").arg(state),
+                           QStringLiteral("updateClimateVentPosition(%1)").arg(state)}));
     VelClimateGroupCmd other;
-    ClimateRecorder seenOther(other);
+    Announcements seenOther(&other);
     other.onClimateHeatSeat(with(6, value + 0x10));
     other.onClimateCoolSeat(with(7, value + 0x10));
     QCOMPARE(seenOther.take(),
-             (QStringList {QStringLiteral("updateClimateHeatSeat 1 %1").arg(state),
-                           QStringLiteral("updateClimateCoolSeat 1 %1").arg(state)}));
+             (QStringList {QStringLiteral("updateClimateHeatSeat(1, %1)").arg(state),
+                           QStringLiteral("updateClimateCoolSeat(1, %1)").arg(state)}));
 }
 
 void TestClimateStatus::readsEachButton_data()
@@ -252,46 +260,46 @@ void TestClimateStatus::readsEachButton()
     QFETCH(QString, states);
     VelClimateGroupCmd group;
     group.onClimateData(kZeros);
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateData(with(index, low + high));
-    QCOMPARE(seen.take(), QStringList {"updateClimateBtnStatus " + states});
+    QCOMPARE(seen.take(), QStringList {announcedButtons(states)});
     group.onClimateData(with(index, high));
-    QCOMPARE(seen.take(), QStringList {"updateClimateBtnStatus " + QString(states).replace('3', '2')});
+    QCOMPARE(seen.take(), QStringList {announcedButtons(QString(states).replace('3', '2'))});
     group.onClimateData(with(index, low));
-    QCOMPARE(seen.take(), QStringList {"updateClimateBtnStatus " + QString(states).replace('3', '1')});
+    QCOMPARE(seen.take(), QStringList {announcedButtons(QString(states).replace('3', '1'))});
 }
 
 void TestClimateStatus::clearsTheFlagsAgain()
 {
     VelClimateGroupCmd group;
     group.onClimateData(with(13, 0x30));
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateData(with(13, 0x20));
-    QCOMPARE(seen.take(), QStringList {"updateClimateSystem false"});
+    QCOMPARE(seen.take(), QStringList {"updateClimateSystem(false)"});
     group.onClimateData(kZeros);
-    QCOMPARE(seen.take(), QStringList {"updateClimateDriverSeatPos false"});
+    QCOMPARE(seen.take(), QStringList {"updateClimateDriverSeatPos(false)"});
 }
 
 void TestClimateStatus::announcesAllChangesInOrder()
 {
     VelClimateGroupCmd group;
     group.onClimateData(kZeros);
-    ClimateRecorder seen(group);
+    Announcements seen(&group);
     group.onClimateData(bytes("01 2c ff ff 9b 1b 9f 47 64 b9 5a c6 1d 3e c8"));
     QCOMPARE(seen.take(),
              (QStringList {
-                 "updateClimateSystem true",
-                 "updateClimateDriverSeatPos true",
-                 "updateClimateBtnStatus 23012332122301201323",
-                 "updateClimateMainTemp 300 2",
-                 "updateClimateSecondTemp 65535 1",
+                 "updateClimateSystem(true)",
+                 "updateClimateDriverSeatPos(true)",
+                 "updateClimateBtnStatus([2, 3, 0, 1, 2, 3, 3, 2, 1, 2, 2, 3, 0, 1, 2, 0, 1, 3, 2, 3])",
+                 "updateClimateMainTemp(300, 2)",
+                 "updateClimateSecondTemp(65535, 1)",
                  // Both halves of 9f are out of range: the heated seats stay 0.
-                 "updateClimateCoolSeat 4 7",
-                 "updateClimateFanDirectValue 100",
-                 "updateClimateFanSpeedStatus 2",
-                 "updateClimateVentPosition 5",
-                 "updateClimateFanDirect 1",
-                 "updateClimateManualTempValue 200",
+                 "updateClimateCoolSeat(4, 7)",
+                 "updateClimateFanDirectValue(100)",
+                 "updateClimateFanSpeedStatus(2)",
+                 "updateClimateVentPosition(5)",
+                 "updateClimateFanDirect(1)",
+                 "updateClimateManualTempValue(200)",
              }));
 }
 
@@ -300,12 +308,12 @@ void TestClimateStatus::routesBySubType()
     CanBusPlayer player;
     VelClimateGroupCmd *const group = VelClimateGroupCmd::instance();
     QCOMPARE(VelClimateGroupCmd::instance(), group);
-    ClimateRecorder seen(*group);
+    Announcements seen(group);
     LogRecorder log;
     player.onClimateInfo(bytes("00"), bytes("05 41 00"));
-    QCOMPARE(seen.take(), (QStringList {"updateClimateType 5", "updateClimateTopText \"A\""}));
+    QCOMPARE(seen.take(), (QStringList {"updateClimateType(5)", "updateClimateTopText('A')"}));
     player.onClimateInfo(bytes("01"), bytes("41 00 42 00"));
-    QCOMPARE(seen.take(), QStringList {"updateClimateComText A|B"});
+    QCOMPARE(seen.take(), QStringList {"updateClimateComText(['A', 'B'])"});
     player.onClimateInfo(bytes("02"), kZeros);
     QCOMPARE(seen.take().size(), 10);
     QCOMPARE(log.messages("[ERR]"), QStringList());
@@ -332,7 +340,7 @@ void TestClimateStatus::refusesOtherSubTypes()
 {
     QFETCH(QByteArray, subType);
     CanBusPlayer player;
-    ClimateRecorder seen(*VelClimateGroupCmd::instance());
+    Announcements seen(VelClimateGroupCmd::instance());
     LogRecorder log;
     player.onClimateInfo(subType, bytes("77 58 00 77 58 00 77 58 00 77 58 00 77 58 00"));
     QCOMPARE(seen.take(), QStringList());
