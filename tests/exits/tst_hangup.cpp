@@ -23,7 +23,9 @@ namespace {
 constexpr double kMaxShare = 0.05;
 constexpr double kMaxHeldMs = 20;
 constexpr int kMaxLogLines = 9;
+constexpr int kMaxBeatMs = 50; // in the mean, of a timer of 5 ms
 constexpr int kFullCache = 65; // commands
+constexpr int kLeastRefusals = 20;
 
 /// The processor time of this process, all threads.
 double processorMs()
@@ -42,7 +44,6 @@ struct Aftermath {
     QList<int> errors;
     double share = 0; ///< of one processor
     double heldMs = 0;
-    int beats = 0;
     int portLines = 0;    ///< of the log, of any level, by the port
     int errorLines = 0;   ///< of the log, by whomever, without those of refusals
     int refusalLines = 0; ///< of the log: one for each command that a full cache does not take
@@ -61,12 +62,17 @@ void countLines(Aftermath *seen, const QList<LogLine> &lines)
     }
 }
 
-void observe(Aftermath *seen, int commandMs, int observedMs)
+int refusalsSince(const LinkFigures &before, const LinkedRig &rig)
+{
+    return int(rig.protocol.linkHealth()->figures().refusedFull - before.refusedFull);
+}
+
+void observe(Aftermath *seen, int commandMs, int observedMs, bool isFull)
 {
     LogRecorder log;
     LinkedRig rig;
-    QTRY_VERIFY_WITH_TIMEOUT(rig.isUp(), 20000);
-    QTRY_VERIFY_WITH_TIMEOUT(rig.protocol.linkHealth()->figures().receivedFrames > 30, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT(rig.isUp(), kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(rig.protocol.linkHealth()->figures().receivedFrames > 30, kLongestWaitMs);
     seen->errorsBefore = rig.errors();
     const LinkFigures figuresBefore = rig.protocol.linkHealth()->figures();
 
@@ -83,14 +89,15 @@ void observe(Aftermath *seen, int commandMs, int observedMs)
     log.clear();
     rig.hangUp();
     QTest::qWait(observedMs);
+    // On a busy machine the loop has come to less by then.
+    QTRY_VERIFY_WITH_TIMEOUT(heartbeat.beats() > observedMs / kMaxBeatMs, kLongestWaitMs);
+    QTRY_VERIFY_WITH_TIMEOUT(!isFull || refusalsSince(figuresBefore, rig) > kLeastRefusals, kLongestWaitMs);
     seen->share = (processorMs() - before) / double(clock.elapsed());
     seen->heldMs = heartbeat.longestMs();
-    seen->beats = heartbeat.beats();
     seen->errors = rig.errors().mid(seen->errorsBefore.size());
     seen->isOpen = rig.port()->isOpen();
-    const LinkFigures figures = rig.protocol.linkHealth()->figures();
-    seen->refusals = int(figures.refusedFull - figuresBefore.refusedFull);
-    seen->mostCached = int(figures.cacheHighWater);
+    seen->refusals = refusalsSince(figuresBefore, rig);
+    seen->mostCached = int(rig.protocol.linkHealth()->figures().cacheHighWater);
     countLines(seen, log.lines());
 }
 
@@ -130,9 +137,9 @@ private Q_SLOTS:
         QVector<double> heldMs;
         for (int hangUp = 0; hangUp < kHangUps; ++hangUp) {
             Aftermath seen;
-            observe(&seen, commandMs, observedMs);
+            observe(&seen, commandMs, observedMs, isFull);
             if (!QTest::currentTestFailed())
-                judge(seen, observedMs, isFull);
+                judge(seen, isFull);
             if (QTest::currentTestFailed())
                 return;
             heldMs += seen.heldMs;
@@ -145,7 +152,7 @@ private Q_SLOTS:
     }
 
 private:
-    static void judge(const Aftermath &seen, int observedMs, bool isFull)
+    static void judge(const Aftermath &seen, bool isFull)
     {
         QCOMPARE(seen.errorsBefore, QList<int>());
         QCOMPARE(seen.errors, QList<int> {9});
@@ -153,10 +160,9 @@ private:
         QVERIFY2(seen.share < kMaxShare, qPrintable(QString::number(seen.share)));
         QVERIFY2(seen.portLines <= kMaxLogLines, qPrintable(QString::number(seen.portLines)));
         QVERIFY2(seen.errorLines <= kMaxLogLines, qPrintable(QString::number(seen.errorLines)));
-        QVERIFY(seen.beats > observedMs / 50);
         QCOMPARE(seen.refusalLines, seen.refusals);
         QCOMPARE(seen.mostCached >= kFullCache, isFull);
-        QCOMPARE(seen.refusals > 20, isFull);
+        QCOMPARE(seen.refusals > kLeastRefusals, isFull);
     }
 };
 
