@@ -5,8 +5,8 @@
 
 #include <hexbytes.h>
 #include <logrecorder.h>
+#include <sentframes.h>
 
-#include <QtTest/QSignalSpy>
 #include <QtTest/QTest>
 
 using namespace canbus;
@@ -24,27 +24,6 @@ void receiveFrameWithId(const QByteArray &id)
 {
     CanBusDataMap::instance()->setData(kClimate, {id, bytes("02"), bytes("00")});
 }
-
-/// The frames that are sent while it exists.
-class Sent {
-public:
-    Sent()
-        : m_spy(CanBusPlayer::instance(), &CanBusPlayer::sendCmdData)
-    {
-    }
-
-    QList<QByteArray> frames() const
-    {
-        QList<QByteArray> all;
-        for (const QList<QVariant> &arguments : m_spy)
-            all += arguments.at(0).toByteArray();
-        return all;
-    }
-
-private:
-    Q_DISABLE_COPY(Sent)
-    QSignalSpy m_spy;
-};
 
 /// The operations that have written log lines, each with its message.
 QStringList operationsIn(const LogRecorder &log)
@@ -98,11 +77,11 @@ void TestClimateControls::init()
 void TestClimateControls::sendsIdZeroBeforeTheFirstClimateFrame()
 {
     CanBusDataMap::instance()->setData(kClimate, {}); // reads like none
-    Sent sent;
+    SentFrames sent;
     group()->acBtn();
     group()->requestClimateInfo();
     group()->settings();
-    QCOMPARE(sent.frames(),
+    QCOMPARE(sent.take(),
              (QList<QByteArray> {bytes("9f 02 00 93 00 12 01 00 80 9f 03"),
                                  bytes("9f 02 00 97 00 01 96 9f 03"), bytes("9f 02 00 92 00 00 92 9f 03")}));
 }
@@ -132,9 +111,9 @@ void TestClimateControls::tapsSendAPress_data()
 void TestClimateControls::tapsSendAPress()
 {
     QFETCH(QByteArray, frame);
-    Sent sent;
+    SentFrames sent;
     QVERIFY(QMetaObject::invokeMethod(group(), QTest::currentDataTag()));
-    QCOMPARE(sent.frames(), QList<QByteArray> {frame});
+    QCOMPARE(sent.take(), QList<QByteArray> {frame});
 }
 
 void TestClimateControls::buttonsSendPressAndRelease_data()
@@ -171,9 +150,9 @@ void TestClimateControls::buttonsSendPressAndRelease()
     QFETCH(QByteArray, name);
     QFETCH(bool, isPress);
     QFETCH(QByteArray, frame);
-    Sent sent;
+    SentFrames sent;
     QVERIFY(QMetaObject::invokeMethod(group(), name.constData(), Q_ARG(bool, isPress)));
-    QCOMPARE(sent.frames(), QList<QByteArray> {frame});
+    QCOMPARE(sent.take(), QList<QByteArray> {frame});
 }
 
 void TestClimateControls::valuesAreSentWithAPress_data()
@@ -203,9 +182,9 @@ void TestClimateControls::valuesAreSentWithAPress()
     QFETCH(QByteArray, name);
     QFETCH(int, byte);
     QFETCH(QByteArray, frame);
-    Sent sent;
+    SentFrames sent;
     QVERIFY(QMetaObject::invokeMethod(group(), name.constData(), Q_ARG(char, char(byte))));
-    QCOMPARE(sent.frames(), QList<QByteArray> {frame});
+    QCOMPARE(sent.take(), QList<QByteArray> {frame});
 }
 
 void TestClimateControls::requestsTheClimateState_data()
@@ -224,9 +203,9 @@ void TestClimateControls::requestsTheClimateState()
     QFETCH(QByteArray, id);
     QFETCH(QByteArray, frame);
     receiveFrameWithId(id);
-    Sent sent;
+    SentFrames sent;
     QVERIFY(QMetaObject::invokeMethod(group(), "requestClimateInfo"));
-    QCOMPARE(sent.frames(), QList<QByteArray> {frame});
+    QCOMPARE(sent.take(), QList<QByteArray> {frame});
 }
 
 void TestClimateControls::opensTheSettings_data()
@@ -245,9 +224,9 @@ void TestClimateControls::opensTheSettings()
     QFETCH(QByteArray, id);
     QFETCH(QByteArray, frame);
     receiveFrameWithId(id);
-    Sent sent;
+    SentFrames sent;
     QVERIFY(QMetaObject::invokeMethod(group(), "settings"));
-    QCOMPARE(sent.frames(), QList<QByteArray> {frame});
+    QCOMPARE(sent.take(), QList<QByteArray> {frame});
 }
 
 void TestClimateControls::sendsAnyButton_data()
@@ -277,31 +256,31 @@ void TestClimateControls::sendsAnyButton()
     QFETCH(int, value);
     QFETCH(QByteArray, frame);
     receiveFrameWithId(id);
-    Sent sent;
+    SentFrames sent;
     group()->onSendDataSort(char(code), isPress, char(value));
     QVERIFY(QMetaObject::invokeMethod(group(), "onSendDataSort", Q_ARG(char, char(code)),
                                       Q_ARG(bool, isPress), Q_ARG(char, char(value))));
-    QCOMPARE(sent.frames(), (QList<QByteArray> {frame, frame}));
+    QCOMPARE(sent.take(), (QList<QByteArray> {frame, frame}));
 }
 
 void TestClimateControls::fillsInTheArgumentsThatAreLeftOut()
 {
-    Sent sent;
+    SentFrames sent;
     QVERIFY(QMetaObject::invokeMethod(group(), "onSendDataSort", Q_ARG(char, char(18))));
     QVERIFY(QMetaObject::invokeMethod(group(), "onSendDataSort", Q_ARG(char, char(2)), Q_ARG(bool, false)));
     group()->onSendDataSort(char(18));
     group()->onSendDataSort(char(2), false);
     const QByteArray pressed = bytes("9f 02 21 93 00 12 01 00 a1 9f 03");
     const QByteArray released = bytes("9f 02 21 93 00 02 00 00 b0 9f 03");
-    QCOMPARE(sent.frames(), (QList<QByteArray> {pressed, released, pressed, released}));
+    QCOMPARE(sent.take(), (QList<QByteArray> {pressed, released, pressed, released}));
 }
 
 void TestClimateControls::takesTheFirstByteOfTheId()
 {
     receiveFrameWithId(bytes("21 44"));
-    Sent sent;
+    SentFrames sent;
     group()->acBtn();
-    QCOMPARE(sent.frames(), QList<QByteArray> {bytes("9f 02 21 93 00 12 01 00 a1 9f 03")});
+    QCOMPARE(sent.take(), QList<QByteArray> {bytes("9f 02 21 93 00 12 01 00 a1 9f 03")});
 }
 
 void TestClimateControls::takesTheIdOfTheLastFrame()
@@ -309,11 +288,11 @@ void TestClimateControls::takesTheIdOfTheLastFrame()
     // The other categories' ids do not count.
     CanBusDataMap::instance()->setData(2, {bytes("44"), bytes("00")});
     CanBusDataMap::instance()->setData(4, {bytes("55"), bytes("00"), bytes("00")});
-    Sent sent;
+    SentFrames sent;
     group()->acBtn();
     receiveFrameWithId(bytes("22"));
     group()->acBtn();
-    QCOMPARE(sent.frames(),
+    QCOMPARE(sent.take(),
              (QList<QByteArray> {bytes("9f 02 21 93 00 12 01 00 a1 9f 03"),
                                  bytes("9f 02 22 93 00 12 01 00 a2 9f 03")}));
 }
