@@ -1,4 +1,5 @@
 #include "canbusprotocol.h"
+#include "declaredmethods.h"
 #include "player/canbusdatamap.h"
 #include "player/canbusplayer.h"
 #include "serial/serialport.h"
@@ -14,38 +15,14 @@ using namespace canbus;
 
 namespace {
 
-QString written(const QMetaMethod &method)
-{
-    QStringList parameters;
-    for (int index = 0; index < method.parameterCount(); ++index) {
-        const QByteArray name = method.parameterNames().at(index);
-        parameters += QString::fromLatin1(method.parameterTypes().at(index))
-            + (name.isEmpty() ? QString() : ' ' + QString::fromLatin1(name));
-    }
-    return QStringLiteral("%1 %2(%3)")
-        .arg(QString::fromLatin1(method.typeName()), QString::fromLatin1(method.name()),
-             parameters.join(QStringLiteral(", ")));
-}
-
-/// A class's own signals or slots, written as they are declared.
-QStringList declared(const QMetaObject &type, QMetaMethod::MethodType kind)
-{
-    QStringList all;
-    for (int index = type.methodOffset(); index < type.methodCount(); ++index) {
-        if (type.method(index).methodType() == kind)
-            all += written(type.method(index));
-    }
-    return all;
-}
-
 QStringList signalsOf(const QMetaObject &type)
 {
-    return declared(type, QMetaMethod::Signal);
+    return declaredMethods(type, QMetaMethod::Signal);
 }
 
 QStringList slotsOf(const QMetaObject &type)
 {
-    return declared(type, QMetaMethod::Slot);
+    return declaredMethods(type, QMetaMethod::Slot);
 }
 
 QMetaMethod::Access accessOf(const QMetaObject &type, const char *signature)
@@ -181,7 +158,7 @@ void TestInterface::linkHealth()
     const QMetaObject &protocol = VelCanBusProtocol::staticMetaObject;
     const int index = protocol.indexOfMethod("linkHealth()");
     QVERIFY(index >= 0);
-    QCOMPARE(written(protocol.method(index)), QStringLiteral("canbus::LinkHealth* linkHealth()"));
+    QCOMPARE(declaredMethod(protocol.method(index)), QStringLiteral("canbus::LinkHealth* linkHealth()"));
 }
 
 void TestInterface::canBusDataMap()
@@ -238,7 +215,7 @@ void TestInterface::canBusPlayerOperationsByName()
     const QMetaObject &type = CanBusPlayer::staticMetaObject;
     const int index = type.indexOfMethod(QTest::currentDataTag());
     QVERIFY(index >= 0);
-    QCOMPARE(written(type.method(index)), declaration);
+    QCOMPARE(declaredMethod(type.method(index)), declaration);
     QCOMPARE(type.method(index).methodType(), QMetaMethod::Method);
     QCOMPARE(type.method(index).access(), QMetaMethod::Public);
 }
