@@ -18,7 +18,7 @@ function(canbus_watch_for_races name)
 
   # The tests that make threads name them, or a rig that has one; those of the commands, which have theirs, are few.
   foreach(source IN LISTS ARGN)
-    file(STRINGS ${source} mentions REGEX "QThread|std::thread|PlayerRig" LIMIT_COUNT 1)
+    file(STRINGS ${source} mentions REGEX "QThread|std::thread|PlayerRig|onAnotherThread" LIMIT_COUNT 1)
     if(mentions OR name MATCHES "^tst_e2e_(commands|ends)$")
       set_property(TEST ${name} PROPERTY LABELS threads)
       add_dependencies(tests_with_threads ${name})

@@ -1,3 +1,4 @@
+#include "anotherthread.h"
 #include "callers.h"
 #include "canbusplayer.h"
 #include "hexbytes.h"
@@ -9,7 +10,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QMap>
 #include <QtCore/QSemaphore>
-#include <QtCore/QThread>
 #include <QtSerialPort/QSerialPort>
 #include <QtTest/QTest>
 
@@ -62,7 +62,7 @@ void makePortSpeak(PlayerRig &rig)
     port->open(rig.line.name(), 57600);
     port->writeData(bytes("04"));
     if (port->isOpen() && rig.line.send(bytes("05")))
-        port->findChild<QSerialPort *>()->waitForReadyRead(1000);
+        port->findChild<QSerialPort *>()->waitForReadyRead(kLongestWaitMs);
     port->disconnect();
     port->disconnect();
 }
@@ -141,13 +141,11 @@ void CallbacksPortTest::opensThePortAgainForTheParserThread()
         CanBusReadBuff::instance(), &CanBusReadBuff::received, CanBusReadBuff::instance(),
         [&] { isReceived.release(); }, Qt::DirectConnection);
     // During a pass, which the port's thread waits for with new bytes.
-    std::unique_ptr<QThread> parser(QThread::create([&] {
+    QVERIFY(onAnotherThread([&] {
         const QMutexLocker pass(&CanBusReadBuff::instance()->mutex);
         if (rig.line.send(bytes("9f 02")) && isReceived.tryAcquire(1, kLongestWaitMs))
             rig.player.init(&rig.protocol);
     }));
-    parser->start();
-    QVERIFY(parser->wait(kLongestWaitMs));
     QCOMPARE(rig.protocol.connections().first(), 1);
     QTRY_COMPARE_WITH_TIMEOUT(rig.protocol.connections().first(), 2, kLongestWaitMs);
     disconnect(received);
@@ -160,9 +158,7 @@ void CallbacksPortTest::leavesAProtocolOutThatIsGoneByThen()
     PlayerRig rig;
     rig.start();
     auto gone = std::make_unique<PlayedProtocol>();
-    std::unique_ptr<QThread> other(QThread::create([&] { rig.player.init(gone.get()); }));
-    other->start();
-    QVERIFY(other->wait(kLongestWaitMs));
+    QVERIFY(onAnotherThread([&] { rig.player.init(gone.get()); }));
     gone.reset();
     QCoreApplication::sendPostedEvents();
     QCOMPARE(CanBusPlayerProbe::data(rig.player).protocol, &rig.protocol);

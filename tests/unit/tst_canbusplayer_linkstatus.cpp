@@ -1,6 +1,6 @@
+#include "anotherthread.h"
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
-#include "longestwait.h"
 #include "playerrig.h"
 
 #include <QtCore/QCoreApplication>
@@ -14,13 +14,6 @@
 using namespace canbus;
 
 namespace {
-
-bool onAnotherThread(const std::function<void()> &run)
-{
-    std::unique_ptr<QThread> other(QThread::create(run));
-    other->start();
-    return other->wait(kLongestWaitMs);
-}
 
 /// What the player has told its listeners, in order.
 QList<bool> told(const QSignalSpy &status)

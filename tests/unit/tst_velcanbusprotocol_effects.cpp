@@ -1,6 +1,8 @@
+#include "anotherthread.h"
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
 #include "longestwait.h"
+#include "timerwatch.h"
 
 #include <QtCore/QThread>
 #include <QtTest/QTest>
@@ -19,13 +21,6 @@ const QString kWrite = "write 9f02319300a29f03";
 const QString kAck = "write 9f069f03"; // of no frame at all
 
 /// Runs it on a thread of its own and waits. @return whether it has returned
-bool onAnotherThread(const std::function<void()> &run)
-{
-    std::unique_ptr<QThread> other(QThread::create(run));
-    other->start();
-    return other->wait(kLongestWaitMs);
-}
-
 /// The thread of each write, in their order: "here" for the test's own, "there" for any other.
 class WriteRecorder {
 public:

@@ -1,5 +1,6 @@
 #include "handdrivenprotocol.h"
 #include "hexbytes.h"
+#include "timerwatch.h"
 
 #include <QtCore/QLoggingCategory>
 #include <QtTest/QTest>

@@ -2,6 +2,7 @@
 #include "hexbytes.h"
 #include "longestwait.h"
 #include "player/canbusdatamap.h"
+#include "timerwatch.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QMutex>
