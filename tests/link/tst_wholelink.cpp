@@ -1,6 +1,7 @@
 #include "seedruns.h"
 
-#include <QtCore/QFile>
+#include <contentof.h>
+
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
@@ -15,12 +16,6 @@ namespace {
 
 constexpr quint32 kSeeds = 300;
 constexpr int kJobs = 2;
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 } // namespace
 

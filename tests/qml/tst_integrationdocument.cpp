@@ -1,12 +1,12 @@
-#include <QtCore/QFile>
+#include <contentof.h>
+
 #include <QtTest/QTest>
 
 namespace {
 
-QString contentOf(const QString &path)
+QString textOf(const QString &path)
 {
-    QFile file(QStringLiteral(CANBUS_SOURCE_DIR "/") + path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QString::fromUtf8(contentOf(QStringLiteral(CANBUS_SOURCE_DIR "/") + path));
 }
 
 } // namespace
@@ -31,9 +31,9 @@ void TestIntegrationDocument::showsTheExamplesAsTheyAre_data()
 void TestIntegrationDocument::showsTheExamplesAsTheyAre()
 {
     QFETCH(const QString, language);
-    const QString example = contentOf(QTest::currentDataTag());
+    const QString example = textOf(QTest::currentDataTag());
     QVERIFY(!example.isEmpty());
-    const QString document = contentOf(QStringLiteral("docs/integration.md"));
+    const QString document = textOf(QStringLiteral("docs/integration.md"));
     QVERIFY(document.contains(QStringLiteral("\n```%1\n%2```\n").arg(language, example)));
 }
 

@@ -8,7 +8,8 @@
 
 #include <linkhealth.h>
 
-#include <QtCore/QFile>
+#include <contentof.h>
+
 #include <QtCore/QJsonDocument>
 #include <QtCore/QMetaProperty>
 #include <QtCore/QRegularExpression>
@@ -104,9 +105,7 @@ Q_DECLARE_METATYPE(std::shared_ptr<State>)
 
 void TestQmlDocument::initTestCase()
 {
-    QFile file(QStringLiteral(CANBUS_SOURCE_DIR "/docs/qml.md"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    m_document = QString::fromUtf8(file.readAll());
+    m_document = QString::fromUtf8(contentOf(CANBUS_SOURCE_DIR "/docs/qml.md"));
 }
 
 void TestQmlDocument::addObjects()

@@ -1,6 +1,7 @@
 #include "options.h"
 
-#include <QtCore/QFile>
+#include <contentof.h>
+
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
 
@@ -166,9 +167,7 @@ void tst_monitor_options::helpNamesEveryOption()
 
 void tst_monitor_options::theManualPageHasEveryOptionOfTheHelp()
 {
-    QFile file(CANBUS_SOURCE_DIR "/docs/man/canbus-monitor.1");
-    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
-    const QString page = QString::fromUtf8(file.readAll());
+    const QString page = QString::fromUtf8(contentOf(CANBUS_SOURCE_DIR "/docs/man/canbus-monitor.1"));
     const QRegularExpression inHelp("^ +--([a-z-]+)", QRegularExpression::MultilineOption);
     int options = 0;
     for (auto found = inHelp.globalMatch(canbus::monitor::helpText()); found.hasNext(); ++options) {

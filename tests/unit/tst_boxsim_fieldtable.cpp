@@ -1,6 +1,7 @@
 #include "boxsim/fields/fields.h"
 
-#include <QtCore/QFile>
+#include <contentof.h>
+
 #include <QtCore/QRegularExpression>
 #include <QtCore/QRegularExpressionMatchIterator>
 #include <QtCore/QSet>
@@ -217,9 +218,7 @@ void TestBoxsimFieldTable::findsFieldsAndEntriesByTheirNames()
 /// Both ways: each item that goes on the wire has its name in the document, and each name there is a field's.
 void TestBoxsimFieldTable::isWrittenDownBesideTheBytes()
 {
-    QFile file(QStringLiteral(CANBUS_SOURCE_DIR "/docs/protocol.md"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QString document = QString::fromUtf8(file.readAll());
+    const QString document = QString::fromUtf8(contentOf(CANBUS_SOURCE_DIR "/docs/protocol.md"));
     for (const Field &field : boxsim::allFields()) {
         const bool isOnTheWire = !field.name.startsWith("measured.") && !field.name.startsWith("fault.");
         QVERIFY2(!isOnTheWire || document.contains('`' + field.name + '`'), qPrintable(field.name));

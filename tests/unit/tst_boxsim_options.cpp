@@ -1,7 +1,8 @@
 #include "boxsim/fields/fields.h"
 #include "boxsim/options.h"
 
-#include <QtCore/QFile>
+#include <contentof.h>
+
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
 
@@ -172,9 +173,7 @@ void TestBoxsimOptions::showsHelpAndVersionWithoutALine()
 
 void TestBoxsimOptions::theManualPageHasEveryOptionOfTheHelp()
 {
-    QFile file(CANBUS_SOURCE_DIR "/docs/man/canbus-boxsim.1");
-    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.errorString()));
-    const QString page = QString::fromUtf8(file.readAll());
+    const QString page = QString::fromUtf8(contentOf(CANBUS_SOURCE_DIR "/docs/man/canbus-boxsim.1"));
     const QRegularExpression inHelp("^ +--([a-z-]+)", QRegularExpression::MultilineOption);
     int options = 0;
     for (auto found = inHelp.globalMatch(parsed({"--help"}).helpText); found.hasNext(); ++options) {

@@ -1,8 +1,9 @@
 #include "boxsim/scenario/scenario.h"
 
+#include <contentof.h>
+
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>
-#include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QRegularExpression>
@@ -15,12 +16,6 @@ namespace {
 
 const QString kRoot = QStringLiteral(CANBUS_SOURCE_DIR);
 
-QByteArray contentOf(const QString &path)
-{
-    QFile file(kRoot + '/' + path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 /// By path in scenarios/: what each file is for.
 QMap<QString, QString> files()
 {
@@ -29,7 +24,8 @@ QMap<QString, QString> files()
     QDirIterator files(folder.path(), {QStringLiteral("*.json")}, QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         const QString path = folder.relativeFilePath(files.next());
-        const QJsonObject scenario = QJsonDocument::fromJson(contentOf("scenarios/" + path)).object();
+        const QJsonObject scenario =
+            QJsonDocument::fromJson(contentOf(kRoot + "/scenarios/" + path)).object();
         if (path != QLatin1String("scenario.schema.json"))
             abouts[path] = scenario[QStringLiteral("about")].toString();
     }
@@ -42,7 +38,7 @@ QMap<QString, QString> listed()
     static const QRegularExpression row(QStringLiteral(R"(^\| \[([^\]]+)\]\(([^)]+)\) \| (.+) \|$)"),
                                         QRegularExpression::MultilineOption);
     QMap<QString, QString> abouts;
-    auto rows = row.globalMatch(QString::fromUtf8(contentOf(QStringLiteral("scenarios/README.md"))));
+    auto rows = row.globalMatch(QString::fromUtf8(contentOf(kRoot + "/scenarios/README.md")));
     while (rows.hasNext()) {
         const QRegularExpressionMatch match = rows.next();
         if (match.captured(2).endsWith(match.captured(1)))
@@ -58,7 +54,7 @@ QVector<QPair<QString, QByteArray>> blocks()
                                           QRegularExpression::MultilineOption
                                               | QRegularExpression::DotMatchesEverythingOption);
     QVector<QPair<QString, QByteArray>> all;
-    auto found = block.globalMatch(QString::fromUtf8(contentOf(QStringLiteral("docs/scenarios.md"))));
+    auto found = block.globalMatch(QString::fromUtf8(contentOf(kRoot + "/docs/scenarios.md")));
     while (found.hasNext()) {
         const QRegularExpressionMatch match = found.next();
         all.append({match.captured(1), match.captured(2).toUtf8()});
@@ -112,7 +108,8 @@ void TestBoxsimScenarioFiles::haveOneForEachFault()
 
     const QStringList paths = files().keys();
     const auto hasIt = [&what](const QString &path) {
-        return path.startsWith(QLatin1String("faults/")) && contentOf("scenarios/" + path).contains(what);
+        return path.startsWith(QLatin1String("faults/"))
+            && contentOf(kRoot + "/scenarios/" + path).contains(what);
     };
     QVERIFY(std::any_of(paths.begin(), paths.end(), hasIt));
 }

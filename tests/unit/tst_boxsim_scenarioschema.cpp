@@ -1,9 +1,10 @@
 #include "boxsim/scenario/scenario.h"
 #include "boxsim/scenario/scenarioschema.h"
 
+#include <contentof.h>
+
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -18,12 +19,6 @@
 namespace {
 
 const QString kFolder = QStringLiteral(CANBUS_SOURCE_DIR "/scenarios");
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QStringList scenarioFiles()
 {

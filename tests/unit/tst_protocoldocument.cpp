@@ -1,7 +1,7 @@
+#include <contentof.h>
 #include <hexbytes.h>
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QFile>
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
 
@@ -170,10 +170,9 @@ void addFrameColumns()
 
 void ProtocolDocumentTest::initTestCase()
 {
-    QFile file(QStringLiteral(CANBUS_SOURCE_DIR) + QStringLiteral("/docs/protocol.md"));
-    QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable("cannot read " + file.fileName()));
     DocumentReader reader;
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+    const QString document = QString::fromUtf8(contentOf(CANBUS_SOURCE_DIR "/docs/protocol.md"));
+    const QStringList lines = document.split(QLatin1Char('\n'));
     for (const QString &line : lines)
         reader.take(line);
     m_document = reader.document;

@@ -1,13 +1,8 @@
-#include <QtCore/QFile>
+#include <contentof.h>
+
 #include <QtTest/QTest>
 
 namespace {
-
-QByteArray contentOf(const char *path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 /// What stands between the first line "```cpp" and the next "```"; empty where there is no such block.
 QByteArray firstCppBlock(const QByteArray &document)

@@ -1,6 +1,8 @@
 #include "pcapngbytes.h"
 #include "recording/recording.h"
 
+#include <contentof.h>
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
@@ -35,12 +37,6 @@ QString makePipe(const QTemporaryDir &folder)
     if (::mkfifo(qPrintable(path), 0600) != 0)
         qFatal("the pipe cannot be made");
     return path;
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
 /// As long as it lives, no file of the process grows beyond this: a full disk, as far as a writer can tell.
