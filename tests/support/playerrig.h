@@ -70,8 +70,8 @@ struct PlayerRig {
         player.init(&protocol);
     }
 
-    /// Lets fifty blocks wait for the line, which nobody reads, and which has taken `late` blocks too late by
-    /// then.
+    /// Lets three hundred blocks wait for the line, which nobody reads, and which has taken `late` blocks too
+    /// late by then.
     void letBlocksWait(std::atomic<int> &late)
     {
         QObject::connect(
@@ -80,7 +80,7 @@ struct PlayerRig {
             Q_EMIT protocol.onWritPortData(QByteArray(1000, '\x55'));
             QThread::msleep(1);
         }
-        for (int count = 0; count < 50; ++count)
+        for (int count = 0; count < 300; ++count)
             Q_EMIT protocol.onWritPortData(QByteArray::fromHex("9f0621219f03"));
     }
 

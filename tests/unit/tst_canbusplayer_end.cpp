@@ -45,7 +45,7 @@ private Q_SLOTS:
 
 void CanBusPlayerEndTest::endsThePortsThreadThoughBlocksWait()
 {
-    // All fifty would take five seconds.
+    // All three hundred would take half a minute.
     QVERIFY2(g_end.waitedFor < 25, qPrintable(QString::number(g_end.waitedFor)));
     QVERIFY(g_end.wasFinished);
 }
