@@ -6,7 +6,8 @@
 #include "velvehiclegroupcmd.h"
 
 #include <QtCore/QMetaMethod>
-#include <QtTest/QtTest>
+#include <QtCore/QSet>
+#include <QtTest/QTest>
 
 using namespace canbus;
 
