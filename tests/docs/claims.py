@@ -66,7 +66,8 @@ def someone_else(command, how, tree):
         name, _, file = rest.partition(" in ")
         if name not in tree.tests:
             return f"there is no test {name}"
-        return None if command in shell.normal(tree.text(file)) or command in tree.text(file) else f"{file} does not run it"
+        script = " ".join(shell.normal(tree.text(file)).split())
+        return None if " ".join(command.split()) in script else f"{file} does not run it"
     return None
 
 
