@@ -173,10 +173,12 @@ def check(documents, plan, tree):
             if not how and OWN_SCRIPTS.match(command.text):
                 findings.append(f"{where}: nobody runs it: commands.txt is to say who does")
             findings += [f"{where}: {wrong}" for wrong in [someone_else(command.text, how, tree)] if wrong]
-            findings += [f"{where}: {wrong}" for part in re.split(r" && |\n", command.text) for wrong in unknown(part, tree)]
+            parts = re.split(r" && |\n", command.text)
+            findings += [f"{where}: {wrong}" for part in parts for wrong in unknown(part, tree)]
         for span in document.code:
             if " " in span.text and names.COMMAND.match(span.text):
-                findings += [f"{document.name}:{span.line}: `{span.text}`: {wrong}" for wrong in unknown(span.text, tree)]
+                where = f"{document.name}:{span.line}: `{span.text}`"
+                findings += [f"{where}: {wrong}" for wrong in unknown(span.text, tree)]
     findings += [f"commands.txt: no document has this command any more: {document}: {text}"
                  for document, text in plan.how if (document, text) not in used]
     return findings

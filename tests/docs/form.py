@@ -10,10 +10,11 @@ def check(documents):
     """Where a document leaves the common form."""
     findings = []
     for document in documents:
-        findings += [f"{document.name}:{block.line - 1}: a block without a language: sh for commands, text for what they print"
-                     for block in document.blocks if not block.language]
-        findings += [f"{document.name}:{block.line}: a command is shown without a prompt"
-                     for block in document.blocks if block.language == "sh" and re.search(r"^\s*\$ ", block.text, re.MULTILINE)]
+        for block in document.blocks:
+            if not block.language:
+                findings.append(f"{document.name}:{block.line - 1}: a block without a language, sh or text for example")
+            if block.language == "sh" and re.search(r"^\s*\$ ", block.text, re.MULTILINE):
+                findings.append(f"{document.name}:{block.line}: a command is shown without a prompt")
         findings += [f"{document.name}:{line}: a block is fenced, not indented" for line in _indented(document.prose)]
         if document.name.startswith("docs/") and document.name.count("/") == 1:
             findings += _opening(document)

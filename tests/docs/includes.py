@@ -82,4 +82,5 @@ def products(root):
 
 def folders_included(root, folder):
     """The folders whose headers the files of a folder include by their whole names."""
-    return {str(pathlib.PurePath(name).parent) for path in sources(root, folder) for name in included(path) if "/" in name}
+    names = {name for path in sources(root, folder) for name in included(path)}
+    return {str(pathlib.PurePath(name).parent) for name in names if "/" in name}

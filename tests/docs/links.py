@@ -30,7 +30,8 @@ def _problem(root, document, link, anchors):
     if not path.exists():
         return "is not there"
     if link.image:
-        return None if path.is_file() and link.shown.strip() else "is an image without a text for those who do not see it"
+        is_told = path.is_file() and link.shown.strip()
+        return None if is_told else "is an image without a text for those who do not see it"
     if anchor and anchor not in anchors.get(path, ()):
         return f"has no heading for #{anchor}"
     return None

@@ -7,7 +7,10 @@ import re
 _FENCE = re.compile(r"^(\s*)(```+|~~~+)\s*(\S*)")
 _HEADING = re.compile(r"^(#{1,6})\s+(.*?)\s*#*$")
 _CODE = re.compile(r"(?<!`)(`+)(?!`)(.+?)(?<!`)\1(?!`)", re.DOTALL)
-_LINK = re.compile(r"(!?)\[((?:[^\[\]]|\[[^\]]*\])*)\]\(\s*<?([^()\s>]*(?:\([^()]*\)[^()\s>]*)*)>?(?:\s+\"[^\"]*\")?\s*\)")
+_LINK = re.compile(
+    r"(!?)\[((?:[^\[\]]|\[[^\]]*\])*)\]"  # what is shown
+    r"\(\s*<?([^()\s>]*(?:\([^()]*\)[^()\s>]*)*)>?(?:\s+\"[^\"]*\")?\s*\)"  # where it leads
+)
 _REFERENCE = re.compile(r"^\s{0,3}\[([^\]]+)\]:\s*(\S+)", re.MULTILINE)
 
 

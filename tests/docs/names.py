@@ -6,10 +6,13 @@ import re
 
 # Kinds of files whose names may stand without a folder.
 _EXTENSIONS = (".h .cpp .md .json .sh .py .qml .txt .lua .cmake .pcapng .dot .svg .html .qmltypes .yaml .xml "
-               ".supp .bb .install .symbols .abi .ini .trace .pc .1").split()
+               ".supp .bb .install .symbols .abi .ini .trace .pc").split()
 # What a span begins with that the checker of commands looks at.
-COMMAND = re.compile(r"^([A-Z][A-Z0-9_]*=\S* )*(\./dev|canbus-[a-z]+|ctest|cmake|c\+\+|man|git|gdb|grep|valgrind|tshark|"
-                     r"wireshark|sudo|apt-get|callgrind_annotate|dpkg|lintian|bash|python3|\S+\.sh|\S+\.py|build/\S+)( |$)")
+COMMAND = re.compile(
+    r"^([A-Z][A-Z0-9_]*=\S* )*"
+    r"(\./dev|canbus-[a-z]+|ctest|cmake|c\+\+|man|git|gdb|grep|valgrind|callgrind_annotate|tshark|wireshark|sudo|apt-get|"
+    r"dpkg|lintian|bash|python3|\S+\.sh|\S+\.py|build/\S+)( |$)"
+)
 _TOKEN = re.compile(r"(?<![\w.\-/])~?[A-Za-z_]\w*(?:::~?\w+)*")
 _IDENTIFIER = re.compile(r"[A-Za-z_]\w*")
 _SKIPPED = {".git", "build", "__pycache__"}
@@ -44,7 +47,8 @@ class Vocabulary:
         self.words = set()
         self.by_file = {}
         for path in self.files:
-            if path.suffix in (".md", ".png", ".pcapng") or path.parts[:2] == ("tests", "docs") or "corpus" in path.parts:
+            is_own = path.parts[:2] == ("tests", "docs")
+            if path.suffix in (".md", ".png", ".pcapng") or is_own or "corpus" in path.parts:
                 continue
             words = set(_IDENTIFIER.findall(_code(self.root / path)))
             self.by_file[path] = words
@@ -75,7 +79,8 @@ class Vocabulary:
         if name.endswith("/") and "/" not in pattern:
             return any(folder.name == pattern for folder in self.folders)
         if "/" not in pattern and "*" not in pattern:
-            return pattern in self.names or pathlib.Path(pattern) in self.folders or (self.root / folder / pattern).exists()
+            is_there = (self.root / folder / pattern).exists()
+            return is_there or pattern in self.names or pathlib.Path(pattern) in self.folders
         if "/" not in pattern:
             return any(path.match(pattern) for path in self.files)
         candidates = {*self.files, *self.folders}
@@ -92,7 +97,7 @@ def is_path(text):
     if not re.fullmatch(r"[\w.*{}~$<>\-/+]+", text) or re.fullmatch(r"[\d./*+\-]+", text):
         return False
     return "/" in text.strip("/") or text.endswith("/") or any(
-        text.endswith(extension) and len(text) > len(extension) for extension in _EXTENSIONS if not extension.endswith(".1"))
+        text.endswith(extension) and len(text) > len(extension) for extension in _EXTENSIONS)
 
 
 def _is_name(token, span):
@@ -155,7 +160,8 @@ def check(root, documents, allowed, further=()):
                     used.add(name)
                 else:
                     findings.append(f"{document.name}:{span.line}: `{span.text}`: there is no {name}")
-    findings += [f"{name}:{line}: {text}: there is no {token}" for name, line, text in labels(root)
-                 for token in _TOKEN.findall(text) if ("::" in token or token + "(" in text) and not vocabulary.has(token)]
+    for name, line, text in labels(root):
+        named = [token for token in _TOKEN.findall(text) if "::" in token or token + "(" in text]
+        findings += [f"{name}:{line}: {text}: there is no {token}" for token in named if not vocabulary.has(token)]
     findings += [f"exceptions.txt: no document names {name} any more" for name in allowed if name not in used]
     return findings
