@@ -1,12 +1,11 @@
 #include "framesplitter.h"
 
 #include "link/frameformat.h"
+#include "link/receivepath.h"
 
 namespace canbus::qml {
 
 namespace {
-
-constexpr int kLongest = 2048; // what the link itself lets pile up
 
 bool isOpening(quint8 byte)
 {
@@ -37,7 +36,7 @@ void FrameSplitter::take(char byte, QList<QByteArray> &ended)
     if (isMark && isOpening(quint8(byte)) && m_pending.size() > 2) {
         ended.append(m_pending.chopped(2));
         m_pending = m_pending.right(2);
-    } else if ((isMark && quint8(byte) == frame::kEtx) || m_pending.size() >= kLongest) {
+    } else if ((isMark && quint8(byte) == frame::kEtx) || m_pending.size() >= receive::kMaxBufferedBytes) {
         ended.append(m_pending);
         m_pending.clear();
     }

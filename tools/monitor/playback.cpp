@@ -9,6 +9,8 @@
 #include "targets.h"
 #include "virtualclock.h"
 
+#include "link/frameformat.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTimer>
 
@@ -54,7 +56,8 @@ public:
 
 bool isAnswer(const QByteArray &sent)
 {
-    return sent.startsWith("\x9f\x06");
+    constexpr char kAckMark[] = {char(frame::kDle), char(frame::kAck), '\0'};
+    return sent.startsWith(kAckMark);
 }
 
 bool showsAnswers(const recording::Recording &recording)

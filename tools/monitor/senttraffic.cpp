@@ -2,6 +2,10 @@
 
 #include "virtualclock.h"
 
+#include "link/frameformat.h"
+#include "link/sendqueue.h"
+#include "link/wireconstants.h"
+
 #include <QtCore/QScopedValueRollback>
 
 #include <canbusplayer.h>
@@ -14,8 +18,7 @@ namespace canbus::monitor {
 
 namespace {
 
-constexpr int kResendIntervalMs = 300;
-constexpr int kMaxTransmissions = 3;
+constexpr char kCommandMark[] = {char(frame::kDle), char(frame::kStx), '\0'};
 // The library's own comes a tick or so earlier here than it came on the line.
 constexpr qint64 kOwnIsLateUs = 100000;
 
@@ -26,7 +29,7 @@ qint64 now()
 
 bool isCommand(const QByteArray &block)
 {
-    return block.startsWith("\x9f\x02");
+    return block.startsWith(kCommandMark);
 }
 
 bool isConnectRequest(const QByteArray &frame)
@@ -39,16 +42,15 @@ bool isConnectRequest(const QByteArray &frame)
 /// A connect request or a connection check, by the byte behind the id.
 bool isOfTheLink(const QByteArray &frame)
 {
-    constexpr char kConnection = 0x01;
-    const int at = frame.mid(2, 1) == QByteArrayLiteral("\x9f") ? 4 : 3; // the id may be a doubled escape
-    return frame.size() > at && frame.at(at) == kConnection;
+    const int at = frame.size() > 2 && quint8(frame.at(2)) == frame::kDle ? 4 : 3; // the id may be doubled
+    return frame.size() > at && quint8(frame.at(at)) == quint8(Command::Connection);
 }
 
 /// Whether a version frame waits to be read, by which the box says whether it is ready.
 bool isHandshakeWaiting()
 {
     const QByteArray &waiting = CanBusReadBuff::instance()->data;
-    for (int at = waiting.indexOf("\x9f\x02"); at >= 0; at = waiting.indexOf("\x9f\x02", at + 1)) {
+    for (int at = waiting.indexOf(kCommandMark); at >= 0; at = waiting.indexOf(kCommandMark, at + 1)) {
         if (isOfTheLink(waiting.mid(at)))
             return true;
     }
@@ -62,7 +64,7 @@ SentTraffic::SentTraffic(VelCanBusProtocol *protocol, std::function<bool()> pass
     , m_pass(std::move(pass))
 {
     m_giveUpTimer.setSingleShot(true);
-    m_giveUpTimer.setInterval(kResendIntervalMs);
+    m_giveUpTimer.setInterval(SendQueue::kResendIntervalMs);
     connect(&m_giveUpTimer, &QTimer::timeout, this, &SentTraffic::giveUp);
     connect(protocol, &CanbusProtocol::onWritPortData, this, &SentTraffic::notice);
     connect(protocol->linkHealth(), &LinkHealth::commandEnded, this, &SentTraffic::forget);
@@ -123,7 +125,7 @@ void SentTraffic::passWhile(Condition condition)
 void SentTraffic::giveUp()
 {
     const QScopedValueRollback<bool> following(m_isFollowing, true);
-    for (int i = 0; i <= kMaxTransmissions && !m_current.isEmpty(); ++i)
+    for (int i = 0; i <= SendQueue::kMaxTransmissions && !m_current.isEmpty(); ++i)
         m_protocol->onSendTmrout();
 }
 
@@ -161,7 +163,7 @@ void SentTraffic::notice(const QByteArray &written)
         m_firstSentUs = now();
     }
     m_current = written;
-    if (++m_transmissions >= kMaxTransmissions)
+    if (++m_transmissions >= SendQueue::kMaxTransmissions)
         m_giveUpTimer.start();
 }
 
