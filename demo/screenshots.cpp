@@ -2,11 +2,10 @@
 
 #include "options.h"
 #include "unit.h"
+#include "waiting.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
-#include <QtCore/QEventLoop>
-#include <QtCore/QTimer>
 #include <QtGui/QImage>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickRenderControl>
@@ -21,14 +20,6 @@ namespace {
 constexpr int kFillMs = 30000;
 constexpr int kStepMs = 20;
 constexpr int kSmallestFile = 0; // of Qt's scale for PNG, which loses nothing anyway
-
-/// @return false where the program was told to end: there, no loop begins any more
-bool letTimePass(int ms)
-{
-    QEventLoop loop;
-    QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
-    return loop.exec() == 0;
-}
 
 /// Waits until a property of the screen is what it should be. @return whether it is
 bool waitFor(const QQuickItem *screen, const char *property, bool wanted)

@@ -2,10 +2,9 @@
 
 #include "simulatedbox.h"
 #include "unit.h"
+#include "waiting.h"
 
 #include <QtCore/QElapsedTimer>
-#include <QtCore/QEventLoop>
-#include <QtCore/QTimer>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 
@@ -20,13 +19,6 @@ namespace {
 constexpr int kQuietMs = 700;
 constexpr int kSettleMs = 20000;
 constexpr int kPaceMs = 350; // above the 300 ms in which the library gathers updates
-
-void letTimePass(int ms)
-{
-    QEventLoop loop;
-    QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
-    loop.exec();
-}
 
 } // namespace
 
