@@ -122,9 +122,8 @@ Steered command(const QString &word, const QString &arguments)
 
 Steered unknownCommand(const QString &word)
 {
-    const QString similar = canbus::mostSimilarName(word, allSteeringCommands());
-    const QString offer = similar.isEmpty() ? QStringLiteral("help lists what there is")
-                                            : QStringLiteral("did you mean %1?").arg(similar);
+    const QString offer =
+        canbus::didYouMean(word, allSteeringCommands(), QStringLiteral("help lists what there is"));
     return failure(QStringLiteral("no command \"%1\": %2").arg(word, offer));
 }
 

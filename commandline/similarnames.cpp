@@ -54,4 +54,11 @@ QString mostSimilarName(const QString &name, const QStringList &candidates)
     return near.isEmpty() ? QString() : *std::min_element(near.begin(), near.end(), isNearer);
 }
 
+QString didYouMean(const QString &name, const QStringList &candidates, const QString &otherwise,
+                   const QString &before)
+{
+    const QString similar = mostSimilarName(name, candidates);
+    return similar.isEmpty() ? otherwise : QStringLiteral("did you mean %1%2?").arg(before, similar);
+}
+
 } // namespace canbus

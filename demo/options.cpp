@@ -46,12 +46,6 @@ QString quoted(const QString &text)
     return QLatin1Char('"') + text + QLatin1Char('"');
 }
 
-QString didYouMean(const QString &name, const QStringList &known, const QString &prefix, const QString &other)
-{
-    const QString similar = mostSimilarName(name, known);
-    return similar.isEmpty() ? other : QStringLiteral("did you mean %1%2?").arg(prefix, similar);
-}
-
 /// Reads the values of the options, up to the first mistake.
 class Reading {
 public:
@@ -111,7 +105,7 @@ private:
         return pageNames().contains(m_options->page)
             || refuse(QStringLiteral("--page %1: %2")
                           .arg(quoted(m_options->page),
-                               didYouMean(m_options->page, pageNames(), {},
+                               didYouMean(m_options->page, pageNames(),
                                           QStringLiteral("write ") + pageNames().join(QLatin1String(", ")))));
     }
 
@@ -188,7 +182,7 @@ bool parseOptions(const QStringList &arguments, Options *options, QString *error
         const QString help = QStringLiteral("see canbus-headunit --help");
         const QString hint = unknown.isEmpty()
             ? help
-            : didYouMean(unknown.constFirst(), optionNames(), QStringLiteral("--"), help);
+            : didYouMean(unknown.constFirst(), optionNames(), help, QStringLiteral("--"));
         *error = mistakeOf(parser) + QStringLiteral(": ") + hint;
         return false;
     }

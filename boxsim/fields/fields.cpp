@@ -53,10 +53,8 @@ QString unknownName(const QString &name)
     const QStringList names = fieldsOf(objectOf(name));
     if (names.isEmpty())
         return QStringLiteral("no object \"%1\": there are %2").arg(objectOf(name), enumerated(allObjects()));
-    const QString similar = canbus::mostSimilarName(name, names);
-    const QString offer = similar.isEmpty() || !name.contains(kDot)
-        ? QStringLiteral("there are %1").arg(enumerated(names))
-        : QStringLiteral("did you mean %1?").arg(similar);
+    const QString all = QStringLiteral("there are %1").arg(enumerated(names));
+    const QString offer = name.contains(kDot) ? canbus::didYouMean(name, names, all) : all;
     return QStringLiteral("no field \"%1\": %2").arg(name, offer);
 }
 

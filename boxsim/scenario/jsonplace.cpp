@@ -41,9 +41,8 @@ bool isControl(QChar character)
 /// What to take instead of a name that is none of these.
 QString offer(const QString &name, const QStringList &names)
 {
-    const QString similar = canbus::mostSimilarName(name, names);
-    return similar.isEmpty() ? QStringLiteral("there are %1").arg(names.join(QStringLiteral(", ")))
-                             : QStringLiteral("did you mean %1?").arg(similar);
+    return canbus::didYouMean(name, names,
+                              QStringLiteral("there are %1").arg(names.join(QStringLiteral(", "))));
 }
 
 bool isHexDigit(QChar character)
