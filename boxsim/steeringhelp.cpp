@@ -11,7 +11,7 @@ namespace boxsim {
 
 namespace {
 
-struct Line {
+struct HelpLine {
     QString name;
     QString takes;
     QString about;
@@ -33,29 +33,29 @@ constexpr Command kCommands[] {
     {"help", "help [BEGINNING]", "list everything, or the fields whose names begin so"},
 };
 
-Line lineOf(const Command &command)
+HelpLine lineOf(const Command &command)
 {
     return {QLatin1String(command.usage), {}, QLatin1String(command.about)};
 }
 
-Line lineOf(const Field &field)
+HelpLine lineOf(const Field &field)
 {
     const QString entries = field.count > 1 ? QStringLiteral(".1 to .%1").arg(field.count) : QString();
     return {field.name + entries, wantedBy(field), field.about};
 }
 
 /// In columns.
-QStringList written(const QVector<Line> &lines)
+QStringList written(const QVector<HelpLine> &lines)
 {
     int nameWidth = 0;
     int takesWidth = 0;
-    for (const Line &line : lines) {
+    for (const HelpLine &line : lines) {
         nameWidth = std::max(nameWidth, line.name.size());
         takesWidth = std::max(takesWidth, line.takes.size());
     }
     const QString gap = QStringLiteral("  ");
     QStringList list;
-    for (const Line &line : lines) {
+    for (const HelpLine &line : lines) {
         const QString takes = takesWidth > 0 ? line.takes.leftJustified(takesWidth) + gap : QString();
         list.append(line.name.leftJustified(nameWidth) + gap + takes + line.about);
     }
@@ -64,7 +64,7 @@ QStringList written(const QVector<Line> &lines)
 
 QStringList overview()
 {
-    QVector<Line> lines {
+    QVector<HelpLine> lines {
         {QStringLiteral("NAME=VALUE ..."), {}, QStringLiteral("set fields, all of a line at once")},
         {QStringLiteral("NAME"), {}, QStringLiteral("set a flag, or show the value of another field")},
         {QStringLiteral("NAME?"), {}, QStringLiteral("show the value of a field")},
@@ -75,9 +75,9 @@ QStringList overview()
         + QStringList {QStringLiteral("NAME begins with one of: ") + allObjects().join(QStringLiteral(", "))};
 }
 
-QVector<Line> fieldsThatBegin(const QString &beginning)
+QVector<HelpLine> fieldsThatBegin(const QString &beginning)
 {
-    QVector<Line> lines;
+    QVector<HelpLine> lines;
     for (const Field &field : allFields()) {
         if (field.name.startsWith(beginning, Qt::CaseInsensitive))
             lines.append(lineOf(field));
@@ -85,9 +85,9 @@ QVector<Line> fieldsThatBegin(const QString &beginning)
     return lines;
 }
 
-QVector<Line> commandNamed(const QString &word)
+QVector<HelpLine> commandNamed(const QString &word)
 {
-    QVector<Line> lines;
+    QVector<HelpLine> lines;
     for (const Command &command : kCommands) {
         if (word == QLatin1String(command.word))
             lines.append(lineOf(command));
@@ -109,7 +109,7 @@ QStringList steeringHelp(const QString &beginning, QString *error)
 {
     if (beginning.isEmpty())
         return overview();
-    const QVector<Line> lines = commandNamed(beginning) + fieldsThatBegin(beginning);
+    const QVector<HelpLine> lines = commandNamed(beginning) + fieldsThatBegin(beginning);
     if (!lines.isEmpty())
         return written(lines);
     int field = 0;
