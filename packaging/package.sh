@@ -68,7 +68,8 @@ settle_arch() {
     is_cross=true
     [[ $arch =~ ^(armhf|arm64)$ ]] || fail 2 "--arch takes armhf or arm64, not \"$arch\""
     [ -n "$sysroot" ] || fail 2 "--arch $arch takes --sysroot DIR: a root of that machine"
-    sysroot=$(realpath -e -- "$sysroot" 2>/dev/null) || fail 2 "the sysroot \"$sysroot\" is missing"
+    [ -d "$sysroot" ] || fail 2 "the sysroot \"$sysroot\" is no folder"
+    sysroot=$(realpath -- "$sysroot")
     [ -s "$sysroot/var/lib/dpkg/status" ] \
         || fail 1 "$sysroot has no var/lib/dpkg/status: what the packages depend on is read from dpkg's database there"
 }
@@ -89,7 +90,8 @@ stage_tree() {
     rm -rf "$work"
     mkdir -p "$tree"
     local git=(git -c safe.directory="$root" -C "$root")
-    "${git[@]}" rev-parse --git-dir >/dev/null 2>&1 || fail 1 "$root is no git checkout: git tells what belongs to the packages"
+    "${git[@]}" rev-parse --git-dir >/dev/null 2>&1 \
+        || fail 1 "$root is no git checkout: git tells what belongs to the packages"
     local file
     (cd "$root" && "${git[@]}" ls-files -z | while IFS= read -r -d '' file; do
         [ ! -e "$file" ] || printf '%s\0' "$file"
@@ -156,7 +158,9 @@ check_by_lintian() {
 
 check_in_root() {
     local as_root=()
-    [ "$(id -u)" -eq 0 ] || as_root=(sudo "--preserve-env=HOME,http_proxy,https_proxy")
+    # Made here, so that it stays the user's when root writes into it.
+    mkdir -p "${XDG_CACHE_HOME:-$HOME/.cache}/canbusservice"
+    [ "$(id -u)" -eq 0 ] || as_root=(sudo "--preserve-env=HOME,XDG_CACHE_HOME,http_proxy,https_proxy")
     "${as_root[@]}" "$root/tests/packages/install_in_root.sh" "$packages"
 }
 

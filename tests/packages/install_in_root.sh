@@ -40,7 +40,8 @@ make_bare_root() {
     mkdir -p "$cache" "$archives/partial"
     [ ! -s "$bare" ] || return 0
     say "making a bare root: $bare"
-    mmdebstrap --quiet --format=tar --variant=minbase --architectures="$arch" bookworm "$bare.new" || fail 1 "mmdebstrap has failed"
+    mmdebstrap --quiet --format=tar --variant=minbase --architectures="$arch" bookworm "$bare.new" \
+        || fail 1 "mmdebstrap has failed"
     mv "$bare.new" "$bare"
 }
 

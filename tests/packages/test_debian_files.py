@@ -61,7 +61,8 @@ class Complaints(unittest.TestCase):
         self.assertEqual(complaints(["lib/x/a"], {"one": ["lib/x"], "two": ["lib/x/*"]}), ["lib/x/a is in one and two"])
 
     def test_anEntryWithoutAFile(self):
-        self.assertEqual(complaints(["bin/a"], {"one": ["bin/a", "bin/b"]}), ["one names bin/b, which is not installed"])
+        self.assertEqual(complaints(["bin/a"], {"one": ["bin/a", "bin/b"]}),
+                         ["one names bin/b, which is not installed"])
 
 
 if __name__ == "__main__":

@@ -52,9 +52,11 @@ end_box() {
 # --- what a user of the packages has, with nothing else installed ---
 
 check_commands() {
-    local command
+    local command version
+    version=$(dpkg-query -W -f '${Version}' libcanbusservice1)
     for command in "${commands[@]}"; do
-        [ "$("$command" --version)" = "$command 1.0.0" ] || fail "$command --version says \"$("$command" --version)\""
+        [ "$("$command" --version)" = "$command ${version%-*}" ] \
+            || fail "$command --version says \"$("$command" --version)\", and its package has $version"
         "$command" --help | grep -q '^Options:' || fail "$command --help lists no options"
     done
 }
@@ -83,7 +85,8 @@ check_headunit() {
     local page light
     for page in climate gauges vehicle parking menu link; do
         for light in day night; do
-            [ "$(head -c 4 "$work/pictures/$page-$light.png" | tail -c 3)" = PNG ] || fail "there is no picture $page-$light.png"
+            [ "$(head -c 4 "$work/pictures/$page-$light.png" | tail -c 3)" = PNG ] \
+                || fail "there is no picture $page-$light.png"
         done
     done
 }
@@ -93,9 +96,10 @@ check_headunit() {
 check_files() {
     local file
     while IFS= read -r file; do
+        [ ! -L "$file" ] || continue
         ! readelf -d "$file" | grep -E 'RUNPATH|RPATH' || fail "$file has a path of its own for libraries"
         ! ldd "$file" | grep 'not found' || fail "$file lacks a library"
-    done < <(dpkg -L "${names[@]}" | grep -E '/s?bin/|\.so' | sort -u | while read -r file; do [ -L "$file" ] || echo "$file"; done)
+    done < <(dpkg -L "${names[@]}" | grep -E '/s?bin/|\.so')
     desktop-file-validate /usr/share/applications/canbus-headunit.desktop || fail "the desktop entry is wrong"
 }
 
@@ -164,7 +168,8 @@ check_bash_completion() {
             "_${1//-/_}" "$1" --vers "$1"
             printf "%s\n" "${COMPREPLY[@]}"
         ' bash "$command" >"$work/log" 2>&1 || true
-        expect_line "$work/log" "^complete -F _${command//-/_} $command$" "bash does not load the completion of $command"
+        expect_line "$work/log" "^complete -F _${command//-/_} $command$" \
+            "bash does not load the completion of $command"
         expect_line "$work/log" '^--version$' "bash does not complete $command --vers"
     done
 }
@@ -181,10 +186,11 @@ check_zsh_completion() {
 
 # --- removing ---
 
-# Every path but those that apt, dpkg, the loader and man keep books in.
+# Every path but those that apt, dpkg, the loader and man keep books in; and /run, which a start of the machine clears,
+# with the locks of serial lines.
 list_paths() {
-    find / -xdev \( -path /check -o -path /packages -o -path /tmp -o -path /var/cache -o -path /var/log -o -path /var/lib/apt \
-        -o -path /var/lib/dpkg -o -path /etc/ld.so.cache \) -prune -o -print | sort
+    find / -xdev \( -path /check -o -path /packages -o -path /tmp -o -path /run -o -path /var/cache -o -path /var/log \
+        -o -path /var/lib/apt -o -path /var/lib/dpkg -o -path /etc/ld.so.cache \) -prune -o -print | sort
 }
 
 purge() { quietly apt-get -q -y purge "${names[@]}"; }
@@ -192,8 +198,9 @@ purge() { quietly apt-get -q -y purge "${names[@]}"; }
 check_nothing_is_left() {
     purge
     local rest
-    # What man has formatted in /var/cache is man's.
-    rest=$(find / -xdev \( -path /check -o -path /packages -o -path /var/cache/man \) -prune -o -iname '*canbus*' -print)
+    # What man has formatted is man's.
+    rest=$(find / -xdev \( -path /check -o -path /packages -o -path /run -o -path /var/cache/man \) -prune \
+        -o -iname '*canbus*' -print)
     [ -z "$rest" ] || fail "left after the packages were purged:"$'\n'"$rest"
     list_paths >"$work/before"
     install_by_apt /packages/*.deb
