@@ -104,7 +104,7 @@ void TestInterface::serialPort()
                  "void writeData(QByteArray data)",
                  "void writeData(QString data)",
                  "void writeData(const char* data, int len)",
-                 "void onReadyRead()",
+                 "private void onReadyRead()",
              }));
 }
 
