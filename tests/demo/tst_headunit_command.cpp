@@ -187,7 +187,7 @@ private Q_SLOTS:
         const QString tasks = QStringLiteral("/proc/%1/task").arg(process.processId());
         QTRY_VERIFY_WITH_TIMEOUT(QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size() > 2,
                                  kLongestWaitMs);
-        ::kill(pid_t(process.processId()), signal);
+        sendSignal(process, signal);
         QVERIFY(process.waitForFinished(kLongestWaitMs));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 0);
@@ -202,7 +202,7 @@ private Q_SLOTS:
         start(&process, program(), {"--port", line.name(), "--screenshot", folder.filePath("pictures")});
         // It is waiting for the box once it has asked for the connection.
         QTRY_VERIFY_WITH_TIMEOUT(!line.received().isEmpty(), kLongestWaitMs);
-        ::kill(pid_t(process.processId()), SIGINT);
+        sendSignal(process, SIGINT);
         QVERIFY(process.waitForFinished(10000)); // by itself it waits for 30 s
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), 0);

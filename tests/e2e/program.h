@@ -29,7 +29,7 @@ public:
 
     ~Program()
     {
-        m_process.kill();
+        sendSignal(m_process, SIGKILL);
         m_process.waitForFinished();
     }
 
@@ -38,13 +38,8 @@ public:
     /// Ends the standard input.
     void closeInput() { m_process.closeWriteChannel(); }
 
-    /// To a process that has ended it does nothing: its number is 0 then, which would mean the whole group,
-    /// the test runner with it.
-    void signal(int number)
-    {
-        if (const qint64 id = m_process.processId(); id > 0)
-            ::kill(pid_t(id), number);
-    }
+    /// To a process that has ended it does nothing.
+    void signal(int number) { sendSignal(m_process, number); }
 
     /// All lines of standard output so far.
     const QVector<QByteArray> &lines()

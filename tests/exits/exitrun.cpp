@@ -139,9 +139,8 @@ void ExitRun::giveUpWaiting()
     m_complaints +=
         m_exitMs < 0 ? QStringLiteral("has not come to its exit") : QStringLiteral("has not ended");
     // Prints the stack of where it hangs.
-    if (const qint64 id = m_process.processId(); id > 0)
-        ::kill(pid_t(id), SIGABRT);
-    QTimer::singleShot(kGraceMs, &m_process, &QProcess::kill);
+    sendSignal(m_process, SIGABRT);
+    QTimer::singleShot(kGraceMs, &m_process, [this] { sendSignal(m_process, SIGKILL); });
 }
 
 void ExitRun::onFinished(QProcess::ExitStatus how)

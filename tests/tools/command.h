@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <csignal>
 
-#include <sys/types.h>
-
 /// The command, started with standard input open; ended with the test.
 class Command {
 public:
@@ -28,7 +26,7 @@ public:
     }
     ~Command()
     {
-        process.kill();
+        sendSignal(SIGKILL);
         process.waitForFinished(kLongestWaitMs);
     }
 
@@ -58,13 +56,8 @@ public:
             return -1;
         return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     }
-    /// To a process that has ended it does nothing: its number is 0 then, which would mean the whole group,
-    /// the test runner with it.
-    void sendSignal(int signal)
-    {
-        if (const qint64 id = process.processId(); id > 0)
-            ::kill(pid_t(id), signal);
-    }
+    /// To a process that has ended it does nothing.
+    void sendSignal(int signal) { ::sendSignal(process, signal); }
 
     QProcess process;
 

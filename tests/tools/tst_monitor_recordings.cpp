@@ -173,7 +173,7 @@ void tst_monitor_recordings::aKilledMonitorLeavesAWholeRecording()
     QTRY_VERIFY_WITH_TIMEOUT(box.isReady(), kLongestWaitMs);
     Command monitor({"--port", box.link, "--record", files.path("new.pcapng")});
     QTRY_VERIFY_WITH_TIMEOUT(monitor.hasLineWith("climate updateClimateMainTemp"), kLongestWaitMs);
-    monitor.process.kill();
+    monitor.sendSignal(SIGKILL);
     monitor.waitForEnd();
     Recording recording;
     QString fault;
@@ -257,7 +257,7 @@ void tst_monitor_recordings::endsWhenItsPortIsGone()
         QStringList {"--port", box.link, "--stats", "--json", "--record", files.path("new.pcapng")}
         + arguments);
     QTRY_VERIFY_WITH_TIMEOUT(monitor.output().contains("updateClimateMainTemp"), kLongestWaitMs);
-    box.command.process.kill();
+    box.command.sendSignal(SIGKILL);
     QCOMPARE(monitor.waitForEnd(), 1);
     QCOMPARE(monitor.errors(),
              "canbus-monitor: " + box.link.toUtf8()
