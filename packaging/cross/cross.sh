@@ -64,6 +64,15 @@ read_arguments() {
     ! $is_short || { $wants_tests && [ -z "$tests" ]; } || fail 2 "--short has tests of its own: leave --tests and --no-tests out"
 }
 
+# A root of the caller's own has all that is asked of it, before anything is built.
+settle_root() {
+    [ -n "$sysroot" ] || return 0
+    [ -d "$sysroot" ] || fail 2 "--sysroot takes a folder, and there is no $sysroot"
+    sysroot=$(cd -- "$sysroot" && pwd)
+    ! $wants_packages || $is_short || [ -s "$sysroot/var/lib/dpkg/status" ] \
+        || fail 2 "$sysroot has no var/lib/dpkg/status, in which packages find what they depend on: leave them out by --no-packages"
+}
+
 # need PROGRAM PACKAGE
 need() { command -v "$1" >/dev/null || fail 1 "$1 is missing: it is in the package $2"; }
 
@@ -84,10 +93,17 @@ took() {
     start=$SECONDS
 }
 
+# What CMake has found in one root is not in another.
+forget_other_root() {
+    local cache=$root/build/$architecture/CMakeCache.txt
+    [ ! -e "$cache" ] || grep -qxF "CANBUS_SYSROOT:PATH=$sysroot" "$cache" || rm -rf "$cache" "${cache%/*}/CMakeFiles"
+}
+
 build() {
     local target=all
     ! $is_short || target=short_cross_tests
     say "building preset $architecture into build/$architecture"
+    forget_other_root
     (cd "$root" && cmake --preset "$architecture" --log-level=WARNING -DCANBUS_SYSROOT="$sysroot" \
         -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     cmake --build "$root/build/$architecture" -j "$jobs" --target $target
@@ -118,13 +134,13 @@ make_packages() {
 }
 
 read_arguments "$@"
+settle_root
 need_programs
 if [ -z "$sysroot" ]; then
     sysroot=$("$here/sysroot.sh" "$architecture" | tail -n 1)
     took "the root"
 else
-    [ -d "$sysroot" ] || fail 1 "there is no folder $sysroot"
-    sysroot=$(cd -- "$sysroot" && pwd)
+    say "the root is $sysroot"
 fi
 build
 status=0

@@ -24,7 +24,7 @@ packages=(
     qtbase5-dev libqt5serialport5-dev rapidjson-dev
     qtdeclarative5-dev # the QML module and the head unit, and what their tests load
     qml-module-qtquick2 qml-module-qtquick-window2 qml-module-qtquick-shapes qml-module-qttest
-    qt5-image-formats-plugins fonts-inter
+    fonts-inter
 )
 
 is_to_be_made=true
@@ -45,7 +45,7 @@ esac
 folder=${2:-${XDG_CACHE_HOME:-$HOME/.cache}/canbusservice/sysroot-$architecture}
 mirror=${CANBUS_DEBIAN_MIRROR:-http://deb.debian.org/debian}
 folder=$(realpath -m "$folder")
-recipe=$(sha256sum <"${BASH_SOURCE[0]}")
+recipe="$architecture $(sha256sum <"${BASH_SOURCE[0]}")"
 made_by=$folder/var/lib/canbusservice-sysroot # the recipe of what lies there, in a root of this script's
 is_made() { [ -e "$made_by" ] && [ "$(cat "$made_by")" = "$recipe" ]; }
 
@@ -63,11 +63,15 @@ $is_to_be_made || fail 1 "$folder was not made, or made otherwise"
 for program in mmdebstrap dpkg-deb; do
     command -v "$program" >/dev/null || fail 1 "$program is missing: it is in the package ${program/dpkg-deb/dpkg}"
 done
+if [ "$(id -u)" -ne 0 ] && ! command -v newuidmap >/dev/null && ! command -v fakechroot >/dev/null; then
+    fail 1 "newuidmap is missing: mmdebstrap takes the package uidmap where you are not root"
+fi
 if [ -e "$folder" ] && [ ! -e "$made_by" ] && [ -n "$(ls -A "$folder")" ]; then
     fail 1 "$folder holds something, and no root of this script's: name another folder, or remove it"
 fi
 
-new=$folder.new
+new=$(mktemp -d "$folder.XXXXXX")
+chmod 755 "$new"
 archives=$new/var/cache/apt/archives
 trap 'rm -rf "$new"' EXIT
 trap 'exit 130' INT TERM HUP
@@ -77,8 +81,6 @@ trap 'exit 130' INT TERM HUP
 unpack_packages() {
     local list
     list=$(IFS=, && echo "${packages[*]}")
-    rm -rf "$new"
-    mkdir -p "$new"
     mmdebstrap --quiet --variant=extract --architectures="$architecture" --components=main --include="$list" \
         --skip=cleanup/apt/cache --format=tar bookworm - "deb $mirror bookworm main" \
         | tar -x -C "$new" --no-same-owner --exclude=./dev

@@ -2,7 +2,7 @@
 # Yocto and Buildroot roots differ in where their libraries lie, and in whether their Qt brings programs for the
 # building machine along.
 #
-# Each of these is a cache variable (-DNAME=VALUE), or in the environment:
+# Each of these is a cache variable (-DNAME=VALUE); all but the last may stand in the environment instead:
 #   CANBUS_SYSROOT       the root of the target, with Qt 5's development files. Nothing is written there
 #   CANBUS_CROSS_PREFIX  what stands before g++ in the name of the cross compiler, with or without a path
 #   CANBUS_HOST_QT_BIN   the folder of moc and rcc that run on the building machine, where they are not found

@@ -32,9 +32,16 @@ expect 2 "--tests takes a value" "$cross" armhf --tests
 expect 2 "--jobs takes a number" "$cross" armhf --jobs many
 expect 2 "exclude each other" "$cross" armhf --no-tests --tests link
 expect 2 "--short has tests of its own" "$cross" armhf --short --no-tests
+expect 2 "there is no $work/nowhere" "$cross" armhf --sysroot "$work/nowhere"
+mkdir "$work/bare"
+expect 2 "no var/lib/dpkg/status" "$cross" armhf --sysroot "$work/bare"
 expect 2 "it takes armhf or arm64" "$make_root" riscv64
 expect 2 "one too many" "$make_root" armhf one two
 expect 1 "was not made" "$make_root" --made armhf
+mkdir -p "$work/other/var/lib"
+printf 'armhf %s\n' "$(sha256sum <"$make_root")" >"$work/other/var/lib/canbusservice-sysroot"
+[ "$("$make_root" --made armhf "$work/other")" = "$work/other" ] || fail "a root that was made is not known again"
+expect 1 "was not made" "$make_root" --made arm64 "$work/other"
 mkdir "$work/mine"
 echo kept >"$work/mine/file"
 expect 1 "no root of this script's" "$make_root" armhf "$work/mine"

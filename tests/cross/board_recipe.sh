@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds the library and the smallest host for a board with 32-bit ARM as docs/integration.md says, and runs the host
 # in the emulator. Status 77, skipped: there is no compiler for it, no emulator, or no root, which ./dev cross makes.
+# With CANBUS_REQUIRE_CROSS=1 that is a failure.
 #
 # board_recipe.sh SOURCE_DIR BUILD_DIR: in BUILD_DIR/board-check, which it replaces.
 set -euo pipefail
@@ -14,10 +15,17 @@ fail() {
     exit 1
 }
 
+# skip WHY
+skip() {
+    [ "${CANBUS_REQUIRE_CROSS:-0}" != 1 ] || fail "cannot run: $1"
+    echo "board_recipe: skipped, $1"
+    exit 77
+}
+
 for program in arm-linux-gnueabihf-g++ qemu-arm; do
-    command -v "$program" >/dev/null || { echo "board_recipe: skipped, $program is missing" && exit 77; }
+    command -v "$program" >/dev/null || skip "$program is missing"
 done
-"$source/packaging/cross/sysroot.sh" --made armhf || { echo "board_recipe: skipped, ./dev cross armhf makes it" && exit 77; }
+"$source/packaging/cross/sysroot.sh" --made armhf || skip "the root is made by ./dev cross armhf"
 
 # The tree as a reader has it, with a folder build of its own.
 rm -rf "$work"
