@@ -38,7 +38,9 @@ class Running:
     def __init__(self, text, folder, environment):
         self.output = ""
         self._changed = threading.Condition()
-        self._process = subprocess.Popen(["bash", "-ec", text], cwd=folder, env=environment, stdin=subprocess.PIPE,
+        # What runs this in the background may have Ctrl-C ignored, and that would be inherited.
+        command = ["env", "--default-signal=INT", "bash", "-ec", text]
+        self._process = subprocess.Popen(command, cwd=folder, env=environment, stdin=subprocess.PIPE,
                                          stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, errors="replace",
                                          start_new_session=True)
         self._reader = threading.Thread(target=self._read, daemon=True)

@@ -5,6 +5,7 @@ import contextlib
 import io
 import pathlib
 import re
+import signal
 import tempfile
 import unittest
 
@@ -196,6 +197,11 @@ class Runs(TreeTest):
         stubborn = "trap 'exit 3' INT; echo ready; sleep 60 & wait"
         self.assertFalse(self.good(stubborn, f"page.md | {stubborn} | background until ready"))
         self.assertIn("ends on Ctrl-C with status 3", self.told)
+
+    def test_ends_a_command_also_where_ctrl_c_is_ignored(self):
+        before = signal.signal(signal.SIGINT, signal.SIG_IGN)
+        self.addCleanup(signal.signal, signal.SIGINT, before)
+        self.assertTrue(self.good("echo ready; sleep 60", "page.md | echo ready; sleep 60 | until ready"))
 
     def test_runs_no_script_of_the_project_by_itself(self):
         self.assertFalse(self.good("./dev test"))
