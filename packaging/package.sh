@@ -3,13 +3,12 @@
 set -euo pipefail
 
 root=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)
-packages=$root/build/packages
 wants_build=true wants_lintian=true wants_check=true wants_symbols=false
 arch='' sysroot=''
 
 print_help() {
     cat <<'HELP'
-packaging/package.sh [OPTION...]: Debian packages of this tree, into build/packages
+packaging/package.sh [OPTION...]: Debian packages of this tree, into build/packages/ARCH
 
 Builds what git tracks, as it lies in the folder, checks the packages with lintian, and installs, uses and removes
 them in a fresh root of Debian 12 (tests/packages/install_in_root.sh, which takes root: by sudo if need be).
@@ -18,12 +17,13 @@ them in a fresh root of Debian 12 (tests/packages/install_in_root.sh, which take
   --sysroot DIR    a root of that machine with what the build takes, and dpkg's database of it
   --no-lintian     leave lintian out
   --no-check       leave the installation out
-  --check          build nothing: check the packages that are in build/packages
+  --check          build nothing: check the packages that are in build/packages/ARCH
   --symbols        build, write what the libraries export into packaging/debian/*.symbols, and end: when a symbol
                    has come or gone, which fails the build, and that was meant
   --help           print this
 
-The build happens in build/package/ARCH, and build.log there tells all of it.
+The packages with the debug symbols lie in the folder debug beside the others. The build happens in
+build/package/ARCH, and build.log there tells all of it.
 HELP
 }
 
@@ -129,10 +129,11 @@ build_packages() {
         tail -n 40 "$work/build.log" >&2
         fail 1 "the build has failed: the lines above are the last of ${work#"$root"/}/build.log"
     fi
-    mkdir -p "$packages"
-    rm -f "$packages"/*_"$arch".{deb,changes,buildinfo}
-    mv "$work"/*_"$arch".{deb,changes,buildinfo} "$packages/"
-    (cd "$packages" && printf 'package: %s\n' *_"$arch".deb)
+    rm -rf "$packages"
+    mkdir -p "$packages/debug"
+    mv "$work"/*-dbgsym_*.deb "$packages/debug/"
+    mv "$work"/*.deb "$packages/"
+    (cd "$packages" && printf "package: ${packages#"$root"/}/%s\n" *.deb)
 }
 
 renew_symbols() {
@@ -149,7 +150,7 @@ renew_symbols() {
 check_by_lintian() {
     say "lintian"
     local findings status=0
-    findings=$(lintian --allow-root --fail-on error,warning "$packages"/*_"$arch".changes 2>&1) || status=1
+    findings=$(lintian --allow-root --fail-on error,warning "$packages"/*.deb "$packages"/debug/*.deb 2>&1) || status=1
     findings=$(grep -v 'root privileges' <<<"$findings") || true
     [ -z "$findings" ] || printf '%s\n' "$findings"
     [ $status -eq 0 ] || fail 1 "lintian has findings: see above"
@@ -167,6 +168,7 @@ check_in_root() {
 read_options "$@"
 settle_arch
 work=$root/build/package/$arch
+packages=$root/build/packages/$arch
 if $wants_build; then
     need_commands git dpkg-buildpackage dh
     build_packages
@@ -174,7 +176,7 @@ if $wants_build; then
         renew_symbols
         exit 0
     fi
-elif ! compgen -G "$packages/*_$arch.changes" >/dev/null; then
+elif ! compgen -G "$packages/*.deb" >/dev/null; then
     fail 1 "there are no packages for $arch in ${packages#"$root"/}: package.sh without --check builds them"
 fi
 if $wants_lintian; then

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the packages in a fresh root of Debian 12, uses all of them there, and removes them again.
 #
-# install_in_root.sh FOLDER: the folder with the packages. What happens in the root is in use_in_root.sh.
+# install_in_root.sh FOLDER: the folder with the packages, and no others. What happens in the root is in use_in_root.sh.
 # Takes root, for the mounts of the root and the packages in it; mmdebstrap; and the network, for what the packages
 # depend on. The bare root and the packages that were fetched are kept in ~/.cache/canbusservice.
 set -euo pipefail
@@ -27,7 +27,10 @@ enter_namespace() {
     fi
     compgen -G "$1/*_$arch.deb" >/dev/null || fail 2 "$1 holds no packages for $arch: packaging/package.sh makes them"
     [ "$(id -u)" -eq 0 ] || fail 1 "this takes root, for mounts and packages in a root of its own: sudo $0 $1"
-    command -v mmdebstrap >/dev/null || fail 1 "mmdebstrap is missing: ./dev package installs what this takes"
+    local command
+    for command in mmdebstrap dpkg-scanpackages; do
+        command -v $command >/dev/null || fail 1 "$command is missing: ./dev package installs what this takes"
+    done
     CANBUS_ROOT=$(mktemp -d)
     export CANBUS_ROOT
     trap 'rm -rf --one-file-system "$CANBUS_ROOT"' EXIT
@@ -59,7 +62,9 @@ fill_root() {
     [ -e "$CANBUS_ROOT/dev/ptmx" ] || ln -s pts/ptmx "$CANBUS_ROOT/dev/ptmx"
     mount --bind "$archives" "$CANBUS_ROOT/var/cache/apt/archives"
     cp "$here/use_in_root.sh" "$CANBUS_ROOT/check/"
-    find "$1" -name "*_$arch.deb" ! -name '*-dbgsym_*' -exec cp -t "$CANBUS_ROOT/packages" {} +
+    cp "$1"/*.deb "$CANBUS_ROOT/packages/"
+    (cd "$CANBUS_ROOT/packages" && dpkg-scanpackages . >Packages 2>/dev/null)
+    echo 'deb [trusted=yes] file:/packages ./' >"$CANBUS_ROOT/etc/apt/sources.list.d/packages.list"
 }
 
 use_root() {

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs in the fresh root that install_in_root.sh makes: installs what lies in /packages, uses it, removes it.
+# Runs in the fresh root that install_in_root.sh makes: installs what lies in /packages, each for itself and all
+# together, uses it, and removes it.
 # The first thing that is not as it should be ends it, with status 1 and what was wrong.
 set -euo pipefail
 
@@ -49,12 +50,13 @@ end_box() {
     wait "$box" || fail "the box has ended with status $?: $(tail "$work/box.log")"
 }
 
-# --- what a user of the packages has, with nothing else installed ---
+# --- what each package is for ---
 
+# check_commands COMMAND...
 check_commands() {
     local command version
     version=$(dpkg-query -W -f '${Version}' libcanbusservice1)
-    for command in "${commands[@]}"; do
+    for command; do
         [ "$("$command" --version)" = "$command ${version%-*}" ] \
             || fail "$command --version says \"$("$command" --version)\", and its package has $version"
         "$command" --help | grep -q '^Options:' || fail "$command --help lists no options"
@@ -91,15 +93,15 @@ check_headunit() {
     done
 }
 
-# --- what a developer and a reader has, with the programs for that ---
-
 check_files() {
-    local file
+    local file count=0
     while IFS= read -r file; do
         [ ! -L "$file" ] || continue
+        count=$((count + 1))
         ! readelf -d "$file" | grep -E 'RUNPATH|RPATH' || fail "$file has a path of its own for libraries"
         ! ldd "$file" | grep 'not found' || fail "$file lacks a library"
     done < <(dpkg -L "${names[@]}" | grep -E '/s?bin/|\.so')
+    [ "$count" -ge 6 ] || fail "the packages hold $count commands and libraries, too few"
     desktop-file-validate /usr/share/applications/canbus-headunit.desktop || fail "the desktop entry is wrong"
 }
 
@@ -115,13 +117,16 @@ check_consumer() {
     end_box
 }
 
-check_development() {
+check_compiling() {
     local source=/usr/share/doc/libcanbusservice-dev/examples/minimal-host
     quietly cmake -S "$source" -B "$work/by-package"
     quietly cmake --build "$work/by-package"
-    check_consumer "$work/by-package/minimal-host"
     # shellcheck disable=SC2046 # the flags are words
     quietly g++ -std=c++17 -o "$work/by-flags" "$source/main.cpp" $(pkg-config --cflags --libs canbusservice)
+}
+
+check_consumers() {
+    check_consumer "$work/by-package/minimal-host"
     check_consumer "$work/by-flags"
 }
 
@@ -195,6 +200,17 @@ list_paths() {
 
 purge() { quietly apt-get -q -y purge "${names[@]}"; }
 
+# use_alone CHECK PACKAGE...: with nothing in the root but what these bring along.
+use_alone() {
+    local check=$1
+    shift
+    say "$check with $* alone"
+    install_by_apt "$@"
+    $check
+    quietly apt-get -q -y purge "$@"
+    quietly apt-get -q -y autoremove --purge
+}
+
 check_nothing_is_left() {
     purge
     local rest
@@ -204,7 +220,7 @@ check_nothing_is_left() {
     [ -z "$rest" ] || fail "left after the packages were purged:"$'\n'"$rest"
     list_paths >"$work/before"
     install_by_apt /packages/*.deb
-    check_commands
+    check_commands "${commands[@]}"
     check_headunit
     list_paths >"$work/with"
     ! cmp -s "$work/before" "$work/with" || fail "the list of files tells nothing: it is the same with the packages"
@@ -213,18 +229,24 @@ check_nothing_is_left() {
     diff -u "$work/before" "$work/after" || fail "purging the packages has left or taken the files above"
 }
 
+check_tools() {
+    check_commands canbus-boxsim canbus-monitor
+    check_monitor
+    check_scenarios
+}
+
 mkdir -m 0700 "$XDG_RUNTIME_DIR"
 quietly apt-get -q update
+use_alone check_tools canbus-tools
+use_alone check_headunit canbus-headunit
+use_alone check_qml_module qml-module-canbus qml-module-qtquick2 qml
+use_alone check_compiling libcanbusservice-dev cmake g++ make pkg-config
 say "installing ${names[*]}"
 install_by_apt /packages/*.deb
-for check in check_commands check_monitor check_scenarios check_headunit; do
-    say "$check"
-    $check
-done
-say "installing what a developer has"
-install_by_apt bash-completion cmake desktop-file-utils g++ make man-db pkg-config qml tshark zsh
-for check in check_files check_development check_qml_module check_dissector check_manual_pages check_bash_completion \
-    check_zsh_completion check_nothing_is_left; do
+install_by_apt bash-completion binutils desktop-file-utils man-db tshark zsh
+check_commands "${commands[@]}"
+for check in check_files check_consumers check_dissector check_manual_pages check_bash_completion check_zsh_completion \
+    check_nothing_is_left; do
     say "$check"
     $check
 done
