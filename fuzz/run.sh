@@ -223,7 +223,7 @@ table() {
 
 # leave_result STATUS
 leave_result() {
-    local target executions findings figures=()
+    local target executions findings figures=("seconds=$seconds" "runs=$runs")
     for target in "${targets[@]}"; do
         counted "$target"
         figures+=("executions.$target=$executions" "findings.$target=$findings")

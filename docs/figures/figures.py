@@ -132,13 +132,17 @@ def with_table(text, figures):
 
 
 def check(readme, figures_file):
-    """Prints where README.md is something else than its figures; 0 when nowhere."""
-    is_there = readme.read_text(encoding="utf-8")
-    wanted = with_table(is_there, read_json(figures_file))
+    """Prints where README.md is something else than its figures, and which are not there yet; 0 when all there are
+    are right."""
+    is_there, figures = readme.read_text(encoding="utf-8"), read_json(figures_file)
+    wanted = with_table(is_there, figures)
     lines = difflib.unified_diff(is_there.splitlines(), wanted.splitlines(), "README.md", "what figures.json says",
                                  lineterm="", n=0)
     for line in lines:
         print(line)
+    without = [name for name in PROOFS if "outcome" not in figures.get(name, {})]
+    if without:
+        print(f"figures: none yet of {', '.join(without)}")
     if is_there != wanted:
         print("figures: README.md has other figures than docs/figures/figures.json: ./dev figures writes them",
               file=sys.stderr)

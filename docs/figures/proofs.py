@@ -68,8 +68,9 @@ def mutation_arguments(result):
 def fuzzing(result):
     """Executions since these programs were built, over all runs."""
     executions, findings = result["executions"], sum(result["findings"].values())
-    return (f"{counted(len(executions), 'target')}, {number(min(executions.values()))} executions or more of each, "
-            f"{counted(findings, 'finding')}")
+    least = number(min(executions.values()))
+    return (f"{counted(len(executions), 'target')}, {least} executions or more of each in all runs since they were "
+            f"built, {counted(findings, 'finding')}")
 
 
 def fuzzing_extent(result):
@@ -112,6 +113,8 @@ def by_outcome(text, good, bad):
 PROOFS = {
     "test": Proof("tests", "./dev test", tests),
     "sanitize": Proof("address, leak and undefined-behaviour sanitizers", "./dev sanitize", tests),
+    "cross-armhf": Proof("tests on armhf, emulated", "./dev cross armhf", tests),
+    "cross-arm64": Proof("tests on arm64, emulated", "./dev cross arm64", tests),
     "races": Proof("thread sanitizer", "./dev races", races, lambda result: "--short" if result["short"] else "",
                    lambda result: (not result["short"],)),
     "simulate": Proof("whole link, simulated", "./dev simulate", simulation, lambda result: str(result["wanted"]),
@@ -119,7 +122,9 @@ PROOFS = {
     "hours": Proof("memory over time", "./dev simulate",
                    by_outcome("{hours} hours of virtual time, memory ", "flat", "NOT flat, or a rule broken"),
                    lambda result: f"--hours {result['hours']}", lambda result: (result["hours"],)),
-    "fuzz": Proof("fuzzing", "./dev fuzz", fuzzing, extent=fuzzing_extent),
+    "fuzz": Proof("fuzzing", "./dev fuzz", fuzzing,
+                  lambda result: f"--runs {result['runs']}" if "runs" in result else str(result["seconds"]),
+                  fuzzing_extent),
     "coverage": Proof("branch coverage", "./dev coverage", coverage),
     "mutate": Proof("mutation", "./dev mutate", mutation, mutation_arguments, mutation_extent),
     "exits": Proof("exits in the middle of traffic", "./dev exits",

@@ -4,6 +4,7 @@ import contextlib
 import io
 import json
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -13,7 +14,6 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "docs" / "figures"))
 
 import figures  # noqa: E402
-import result  # noqa: E402
 
 EARLIER, LATER = "2026-03-04T23:59:00+00:00", "2026-03-05T10:00:00+00:00"
 TESTS = {"tests": 1220, "skipped": 0, "failed": []}
@@ -36,7 +36,7 @@ def simulated(begun, seeds):
 
 
 def fuzzed(begun, **executions):
-    return passed(begun, executions=executions, findings=dict.fromkeys(executions, 0))
+    return passed(begun, executions=executions, findings=dict.fromkeys(executions, 0), seconds=60)
 
 
 def covered(core_taken):
@@ -56,6 +56,9 @@ class Rows(unittest.TestCase):
         "a skipped test is told": (
             "test", passed(tests=20, skipped=1, failed=[]),
             "| tests | 19 tests passed, 1 skipped | `./dev test` | 2026-03-04, `0123456789` |"),
+        "emulated tests": (
+            "cross-armhf", passed(**TESTS), "| tests on armhf, emulated | all 1,220 tests passed | "
+            "`./dev cross armhf` | 2026-03-04, `0123456789` |"),
         "a failure stands out, with its name": (
             "test", failed(tests=20, skipped=0, failed=["tst_text"]),
             "| tests | **FAILED**: 19 tests passed, 1 failed: tst_text | `./dev test` | 2026-03-04, `0123456789` |"),
@@ -84,11 +87,13 @@ class Rows(unittest.TestCase):
             "`./dev mutate --count 40 --only text` | 2026-03-04, `0123456789` |"),
         "the fuzz target that has had least counts": (
             "fuzz", fuzzed(EARLIER, stream=12000, frames=1234567),
-            "| fuzzing | 2 targets, 12,000 executions or more of each, no finding | `./dev fuzz` | "
+            "| fuzzing | 2 targets, 12,000 executions or more of each in all runs since they were built, no finding | "
+            "`./dev fuzz 60` | "
             "2026-03-04, `0123456789` |"),
         "a finding of the fuzzer": (
-            "fuzz", failed(executions={"stream": 7}, findings={"stream": 2}),
-            "| fuzzing | **FAILED**: 1 target, 7 executions or more of each, 2 findings | `./dev fuzz` | "
+            "fuzz", failed(executions={"stream": 7}, findings={"stream": 2}, seconds=60, runs=7),
+            "| fuzzing | **FAILED**: 1 target, 7 executions or more of each in all runs since they were built, "
+            "2 findings | `./dev fuzz --runs 7` | "
             "2026-03-04, `0123456789` |"),
         "seeds": (
             "simulate", simulated(EARLIER, 10000),
@@ -141,7 +146,8 @@ class Rows(unittest.TestCase):
                 self.assertEqual(figures.row(proof, sample), line)
 
     def test_each_proof_has_a_sample(self):
-        self.assertEqual({proof for proof, _, _ in self.samples.values()} | {"sanitize"}, set(figures.PROOFS))
+        self.assertEqual({proof for proof, _, _ in self.samples.values()} | {"sanitize", "cross-arm64"},
+                         set(figures.PROOFS))
 
     def test_a_run_that_did_not_end_is_told_beside_the_figures(self):
         row = figures.row("simulate", {**simulated(EARLIER, 500), "unfinished": unfinished(LATER)})
@@ -218,23 +224,14 @@ class Merging(unittest.TestCase):
         self.assertNotIn("unfinished", merged({"simulate": noted}, {"simulate": simulated(LATER, 10000)})["simulate"])
 
 
-class InAFolder(unittest.TestCase):
-    """Something that needs files."""
+class Readme(unittest.TestCase):
+    """README.md and figures.json."""
 
     def setUp(self):
         holder = tempfile.TemporaryDirectory()
         self.addCleanup(holder.cleanup)
-        self.folder = pathlib.Path(holder.name)
-        self.results = self.folder / "build" / "results"
-        self.readme = self.folder / "README.md"
-        self.figures = self.folder / "figures.json"
-
-
-class Readme(InAFolder):
-    """README.md and figures.json."""
-
-    def setUp(self):
-        super().setUp()
+        folder = pathlib.Path(holder.name)
+        self.results, self.readme, self.figures = folder / "results", folder / "README.md", folder / "figures.json"
         self.results.mkdir(parents=True)
         self.readme.write_text("before\n<!-- figures -->\nold\n<!-- /figures -->\nafter\n")
         self.leave("hours", passed(hours=24))
@@ -273,7 +270,17 @@ after
 
     def test_is_as_its_figures_say_after_it_was_renewed(self):
         self.renew()
-        self.assertEqual(self.check(), (0, ""))
+        status, said = self.check()
+        self.assertEqual(status, 0)
+        self.assertNotIn("README.md", said)
+
+    def test_proofs_without_figures_are_named(self):
+        self.renew()
+        self.leave("exits", unfinished(LATER))
+        self.renew()
+        said = self.check()[1]
+        self.assertRegex(said, "(?m)^figures: none yet of test, sanitize, .*coverage, mutate, exits, bench$")
+        self.assertNotIn("hours", said)
 
     def test_typed_figures_are_found(self):
         self.renew()
@@ -302,129 +309,42 @@ after
             self.renew()
 
 
-class Results(InAFolder):
-    """What result.py leaves behind."""
+class Names(unittest.TestCase):
+    """What leaves results behind, and what gathers them, know the same proofs."""
 
-    def setUp(self):
-        super().setUp()
-        self.git("init", "-q")
-        (self.folder / "code.cpp").write_text("int one = 1;\n")
-        (self.folder / ".gitignore").write_text("/build/\n")
-        self.readme.write_text("figures\n")
-        self.commit()
+    BEGINS = re.compile(r"""result(?:\.py)?"?\)? begin "?([\w$-]+)|result\("begin", "(\w+)""")
+    VARIABLE = {"$proof": {"simulate", "hours"}, "cross-$architecture": {"cross-armhf", "cross-arm64"}}
 
-    def git(self, *arguments):
-        who = ["-c", "user.name=Test", "-c", "user.email=test@localhost"]
-        command = ["git", "-C", str(self.folder), *who, *arguments]
-        done = subprocess.run(command, check=True, capture_output=True, text=True)
-        return done.stdout.strip()
+    def begun(self):
+        git = ["git", "-c", f"safe.directory={ROOT}", "-C", str(ROOT)]
+        listed = subprocess.run([*git, "ls-files", "dev", "*.sh", "*.py"], capture_output=True, text=True,
+                                check=True).stdout
+        for path in listed.splitlines():
+            if (ROOT / path).is_file() and not path.startswith(("docs/figures/", "tests/figures/")):
+                for found in self.BEGINS.findall((ROOT / path).read_text(encoding="utf-8")):
+                    name = found[0] or found[1]
+                    yield from self.VARIABLE.get(name, {name})
 
-    def commit(self):
-        self.git("add", "-A")
-        self.git("commit", "-q", "--allow-empty", "-m", "A commit")
-
-    def begin(self):
-        result.begin(self.folder, self.results, "hours")
-
-    def end(self, status=0, texts=(), junit=()):
-        result.end(self.folder, self.results, "hours", status, texts, junit)
-
-    def left(self):
-        return json.loads((self.results / "hours.json").read_text())
-
-    def test_a_run_that_is_killed_stays_unfinished(self):
-        self.begin()
-        left = self.left()
-        self.assertEqual(left["outcome"], "unfinished")
-        self.assertRegex(left["begun"], r"^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\+00:00$")
-        self.assertEqual(left["commit"], self.git("rev-parse", "--short=10", "HEAD"))
-        self.assertEqual(len(left["commit"]), 10)
-        self.assertTrue(left["clean"])
-
-    def test_has_outcome_and_figures_when_it_ends(self):
-        self.begin()
-        begun = self.left()
-        self.end(0, ["hours=24", "findings.stream=2", "missed=[\"a\"]", "instrument=--asan", "wanted="])
-        self.assertEqual(self.left(), {**begun, "outcome": "passed", "hours": 24, "findings": {"stream": 2},
-                                       "missed": ["a"], "instrument": "--asan"})
-
-    def test_a_status_is_a_failure(self):
-        self.begin()
-        self.end(3)
-        self.assertEqual(self.left()["outcome"], "failed")
-
-    def test_what_is_no_figure_is_refused(self):
-        self.begin()
-        for text in ("hours", "=1", "a..b=1"):
-            with self.subTest(text), self.assertRaisesRegex(ValueError, "is not KEY=VALUE"):
-                self.end(0, [text])
-
-    def test_a_changed_file_makes_the_tree_another(self):
-        (self.folder / "code.cpp").write_text("int one = 2;\n")
-        self.begin()
-        self.assertFalse(self.left()["clean"])
-
-    def test_a_new_file_makes_the_tree_another(self):
-        (self.folder / "more.cpp").write_text("int two = 2;\n")
-        self.begin()
-        self.assertFalse(self.left()["clean"])
-
-    def test_renewed_figures_leave_the_tree_what_it_is(self):
-        self.readme.write_text("other figures\n")
-        self.begin()
-        self.assertTrue(self.left()["clean"])
-
-    def test_a_change_during_the_run_counts(self):
-        self.begin()
-        (self.folder / "code.cpp").write_text("int one = 2;\n")
-        self.end()
-        self.assertFalse(self.left()["clean"])
-
-    def test_a_commit_during_the_run_counts(self):
-        self.begin()
-        begun = self.left()["commit"]
-        self.commit()
-        self.end()
-        self.assertEqual((self.left()["commit"], self.left()["clean"]), (begun, False))
-
-    def test_without_a_checkout_the_commit_is_unknown(self):
-        with tempfile.TemporaryDirectory() as elsewhere:
-            self.assertEqual(result.state(pathlib.Path(elsewhere)), {"commit": "unknown", "clean": False})
-
-    def test_counts_tests_as_ctest_tells_them(self):
-        self.begin()
-        first, second = self.folder / "build" / "first.xml", self.folder / "build" / "second.xml"
-        first.write_text("""<testsuite>
-            <testcase name="good" status="run"/>
-            <testcase name="bad" status="fail"><failure message=""/></testcase>
-            <testcase name="absent" status="notrun"><skipped message="SKIP_RETURN_CODE=77"/></testcase>
-            </testsuite>""")
-        second.write_text('<testsuite><testcase name="also good" status="run"/></testsuite>')
-        self.end(1, junit=[first, second])
-        left = self.left()
-        self.assertEqual((left["tests"], left["skipped"], left["failed"]), (4, 1, ["bad"]))
+    def test_each_proof_that_begins_has_its_row(self):
+        if not (ROOT / ".git").exists():
+            self.skipTest("no checkout")
+        self.assertEqual(set(self.begun()), set(figures.PROOFS))
 
 
-class Commands(unittest.TestCase):
-    """The commands themselves."""
+class Command(unittest.TestCase):
+    """The command itself."""
 
-    def status(self, script, *arguments):
-        done = subprocess.run([str(ROOT / "docs" / "figures" / script), *arguments], capture_output=True, text=True,
+    def renew(self, *arguments):
+        done = subprocess.run([str(ROOT / "docs" / "figures" / "renew.sh"), *arguments], capture_output=True, text=True,
                               check=False)
         return done.returncode, done.stdout, done.stderr
 
     def test_wrong_arguments_are_told(self):
-        self.assertEqual(self.status("renew.sh", "--chek"), (
+        self.assertEqual(self.renew("--chek"), (
             2, "", 'figures: --check or nothing, and "--chek" was given: docs/figures/renew.sh --help\n'))
-        self.assertEqual(self.status("result.py", "end", "hours", "good")[0], 2)
 
     def test_help_is_there(self):
-        self.assertIn("--check", self.status("renew.sh", "--help")[1])
-
-    def test_the_end_of_a_run_that_has_not_begun_is_told(self):
-        status, _, said = self.status("result.py", "end", "never-begun", "0")
-        self.assertEqual(status, 1)
-        self.assertIn("figures: the result of never-begun is not left behind", said)
+        self.assertIn("--check", self.renew("--help")[1])
 
 
 if __name__ == "__main__":
