@@ -82,6 +82,10 @@ def _options(words):
     return [word.split("=")[0] for word in words if re.match(r"--[a-z]", word)]
 
 
+def _has_word(text, word):
+    return re.search(rf"(?<![\w-]){re.escape(word)}(?![\w-])", text) is not None
+
+
 def _dev(words, tree):
     if len(words) < 2 or not re.fullmatch(r"[a-z]+", words[1]):
         return
@@ -91,7 +95,9 @@ def _dev(words, tree):
     script = re.search(rf"^run_{words[1]}\(\) {{(.*?)^}}", tree.text("dev"), re.MULTILINE | re.DOTALL)
     called = re.findall(r"\$root/([\w./-]+)", script[1] if script else "")
     known = tree.dev[words[1]] + "".join(_script_text(path, tree) for path in called)
-    yield from (f"./dev {words[1]} has no option {option}" for option in _options(words) if option not in known)
+    yield from (f"./dev {words[1]} has no option {option}" for option in _options(words) if not _has_word(known, option))
+    chosen = [word for word in words[2:] if re.fullmatch(r"[a-z][a-z0-9]*", word)]
+    yield from (f"./dev {words[1]} knows no {word}" for word in chosen if not _has_word(known, word))
 
 
 def _script_text(path, tree):
@@ -107,7 +113,7 @@ def _program(words, tree):
     if tree.build and (tree.build / "bin" / name).exists():
         known = tree.help(name)
         yield from (f"{name} has no option {option}" for option in _options(words)
-                    if not re.search(re.escape(option) + r"\b", known))
+                    if not _has_word(known, option))
     elif tree.build:
         yield f"there is no program {name}"
 
@@ -124,7 +130,7 @@ def _cmake(words, tree):
 
 def _ctest(words, tree):
     known = tree.help("ctest")
-    yield from (f"ctest has no option {option}" for option in _options(words) if option not in known)
+    yield from (f"ctest has no option {option}" for option in _options(words) if not _has_word(known, option))
     for word, following in zip(words, words[1:] + [""]):
         if word == "-R" and tree.tests and not any(re.search(following, name) for name in tree.tests):
             yield f"no test is called {following}"
@@ -140,7 +146,16 @@ def _script(words, tree):
         yield f"there is no script {path}"
     else:
         known = _script_text(path, tree)
-        yield from (f"{path} has no option {option}" for option in _options(words) if option not in known)
+        yield from (f"{path} has no option {option}" for option in _options(words) if not _has_word(known, option))
+
+
+def _files(words, tree):
+    """Arguments that begin with a folder of the tree, and are no file of it."""
+    for word in words:
+        path = re.sub(r"^(\./|-\w+=|--[\w-]+=)", "", word).rstrip("/")
+        top = path.split("/")[0]
+        if top and "/" in path and pathlib.Path(top) in tree.vocabulary.folders and not tree.vocabulary.has_path(path, "."):
+            yield f"there is no {path}"
 
 
 def unknown(text, tree):
@@ -152,6 +167,7 @@ def unknown(text, tree):
             yield f"nothing reads {variable}"
     if not words:
         return
+    yield from _files(words[1:], tree)
     name = pathlib.PurePath(words[0]).name
     checks = {"./dev": _dev, "cmake": _cmake, "ctest": _ctest}
     if words[0] in checks:

@@ -1,8 +1,11 @@
 """Names in backticks: files and folders exist, and so does every class, operation, member, option and variable."""
 
-import functools
 import pathlib
 import re
+import subprocess
+
+import classes
+import dotted
 
 # Kinds of files whose names may stand without a folder.
 _EXTENSIONS = (".h .cpp .md .json .sh .py .qml .txt .lua .cmake .pcapng .dot .svg .html .qmltypes .yaml .xml "
@@ -19,7 +22,12 @@ _SKIPPED = {".git", "build", "__pycache__"}
 
 
 def files(root):
-    """Every file of the tree, relative to its root, but what a build or a version control has made."""
+    """Every file of the tree, relative to its root: what git knows or would add, or else all but what a build made."""
+    listed = subprocess.run(["git", "-c", "safe.directory=*", "-C", root, "ls-files", "-z", "--cached", "--others",
+                             "--exclude-standard"], capture_output=True, text=True, check=False)
+    if (pathlib.Path(root) / ".git").exists() and listed.returncode == 0:
+        names = (pathlib.Path(name) for name in listed.stdout.split("\0") if name)
+        return [name for name in names if (pathlib.Path(root) / name).is_file()]
     found = []
     for path in pathlib.Path(root).rglob("*"):
         parts = path.relative_to(root).parts
@@ -45,22 +53,26 @@ class Vocabulary:
         self.names = {path.name for path in self.files}
         self.folders = {parent for path in self.files for parent in path.parents}
         self.words = set()
-        self.by_file = {}
+        self.scopes = classes.Scopes()
+        self.dotted = dotted.Names(root)
+        self.texts = []
         for path in self.files:
             is_own = path.parts[:2] == ("tests", "docs")
-            if path.suffix in (".md", ".png", ".pcapng") or is_own or "corpus" in path.parts:
+            if path.suffix in (".md", ".png", ".pcapng", ".dot", ".svg") or is_own or "corpus" in path.parts:
                 continue
-            words = set(_IDENTIFIER.findall(_code(self.root / path)))
-            self.by_file[path] = words
-            self.words |= words
+            text = _code(self.root / path)
+            if path.suffix in (".h", ".cpp"):
+                self.scopes.add(text)
+            self.texts.append(text)
+            self.words.update(_IDENTIFIER.findall(text))
             self.words.add(path.stem)
         self.words.update(further)
 
-    @functools.lru_cache(maxsize=None)
     def has_member(self, owner, member):
-        """Whether a file that has the one has the other too."""
-        return any(owner in words and member in words for path, words in self.by_file.items()
-                   if path.suffix in (".h", ".cpp", ".qml", ".py", ".txt", ".in"))
+        """Whether the one declares the other, or a source writes them so."""
+        if re.match(r"Q[A-Z]", owner):
+            return True  # Qt's own: both words are used here, and what it declares is not in the tree
+        return self.scopes.has(owner, member) or any(f"{owner}::{member}" in text for text in self.texts)
 
     def has(self, name):
         """Whether the sources have this name, A::b among them."""
@@ -119,6 +131,9 @@ def unknown(text, vocabulary, folder="."):
     if re.fullmatch(r"[\w:]+\*", text):
         return [] if vocabulary.has_prefix(text[:-1].split("::")[-1]) else [text]
     found = []
+    for name in dotted.NAME.findall(text):
+        if not vocabulary.dotted.has(name):
+            found.append(name)
     for token in _TOKEN.findall(text):
         prefix = re.sub(r"(NAME|TARGET)$", "", token)
         if prefix != token and vocabulary.has_prefix(prefix):

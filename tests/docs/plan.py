@@ -6,7 +6,7 @@
     DOCUMENT | COMMAND | long: COMMAND               the same, and elsewhere this one in its place
     DOCUMENT | COMMAND | stage NAME                  run by this stage of .ci/run
     DOCUMENT | COMMAND | ctest NAME in FILE          run by this test: the command stands in FILE
-    DOCUMENT | COMMAND | needs PROGRAM               run where it is installed, or CANBUS_REQUIRE_PROGRAM is set
+    DOCUMENT | COMMAND | needs PROGRAM               run where it is installed, or CANBUS_REQUIRE_PROGRAMS is set
     DOCUMENT | COMMAND | by hand: REASON             run by nobody else
     DOCUMENT | before: COMMAND | ...                 no command of the document: what a reader has done by then
     DOCUMENT | FILE = SOURCE                         no command: a file that a reader has by then

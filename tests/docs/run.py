@@ -168,7 +168,7 @@ class DocumentRun:
             return (text, "") if self._whole else (stand_in or None, "" if stand_in else how)
         program = how.removeprefix("needs ") if how.startswith("needs ") else None
         if program:
-            required = os.environ.get(f"CANBUS_REQUIRE_{program.upper()}")
+            required = os.environ.get("CANBUS_REQUIRE_PROGRAMS")
             return (text, "") if required or shutil.which(program) else (None, how)
         if how and not how.startswith(("until ", "background ")):
             return None, how

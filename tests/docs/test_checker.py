@@ -101,6 +101,29 @@ class Names(TreeTest):
                      "GoneQueue"):
             self.assertNotEqual(self.unknown(span), [], span)
 
+    def test_knows_names_with_dots(self):
+        self.write("scenarios/scenario.schema.json", '{"a": {"climate.mainTemp": {}}, "b": ["climate.acBtn", "climate.door"]}')
+        self.write("qml/plugins.qmltypes", 'Module {\n    Component {\n        exports: ["CanBus/ClimateState 1.0"]\n'
+                   '        Property { name: "mainTemp"; type: "int" }\n    }\n}\n')
+        self.write("tools/wireshark/canbus.lua", "bad_check = 1")
+        for span in ("climate.mainTemp", "climate.mainTemp=215", "climate.acBtn", "climate.door.1", "climate.*",
+                     "ClimateState.mainTemp", "canbus.bad_check", "canbus.climate.mainTemp", "canbus.climate.*", "default.debug"):
+            self.assertEqual(self.unknown(span), [], span)
+        for span in ("climate.mainTempp", "climate.mainTempp=215", "climate.acBttn", "ClimateState.mainTempp",
+                     "canbus.good_check", "canbus.climate.mainTempp", "climate.doors.1"):
+            self.assertNotEqual(self.unknown(span), [], span)
+
+    def test_knows_what_a_class_takes_from_its_base(self):
+        self.write("src/link/more.h", "class More : public SendQueue { enum Kind { First }; };\n")
+        self.assertEqual(self.unknown("More::restart()"), [])
+        self.assertEqual(self.unknown("Kind::First"), [])
+        self.assertEqual(self.unknown("SendQueue::First"), ["SendQueue::First"])
+
+    def test_finds_a_member_that_a_class_only_calls(self):
+        self.write("src/link/caller.h", "class Caller { void go() { if (elsewhere()) { elsewhere(); } } };\n")
+        self.assertEqual(self.unknown("Caller::go()"), [])
+        self.assertEqual(self.unknown("Caller::elsewhere()"), ["Caller::elsewhere"])
+
     def test_finds_a_member_that_another_class_has(self):
         self.assertEqual(self.unknown("SendQueue::elsewhere()"), ["SendQueue::elsewhere"])
 
@@ -124,6 +147,7 @@ class Commands(TreeTest):
         self.write(".ci/run", "every_test() { ./dev test | tee log; }\nstage test every_test\nstage fuzz ./dev fuzz 60\n")
         self.write("CMakePresets.json", '{"name": "dev"}')
         self.write("run.sh", "--hours")
+        self.write("docs/there.1", "")
 
     def findings(self, text, table=""):
         self.write("page.md", text)
@@ -148,6 +172,8 @@ class Commands(TreeTest):
 
     def test_finds_what_a_command_names_in_vain(self):
         for span, what in (("./dev tests", "no command tests"), ("./dev fuzz --long", "no option --long"),
+                           ("./dev fuzz --targ x", "no option --targ"), ("./dev fuzz everything", "knows no everything"),
+                           ("man -l docs/nope.1", "there is no docs/nope.1"), ("gdb -x docs/nope.py", "there is no docs/nope.py"),
                            ("run.sh --days 3", ""), ("./run.sh --days 3", "no option --days"),
                            ("tests/gone.sh 3", "no script"), ("cmake --preset fast", "no preset fast"),
                            ("cmake -S . -DCANBUS_CARS=ON", "no option CANBUS_CARS"), ("ctest --never x", "no option --never"),
