@@ -178,9 +178,17 @@ def unknown(text, tree):
         yield from _script(words, tree)
 
 
+def _stages(documents, tree):
+    """The stages of .ci/run that docs/testing.md does not list."""
+    shown = {span.text for document in documents if document.name == "docs/testing.md" for span in document.code}
+    for command in re.findall(r"^\s*stage \w+ ./dev (.+)$", tree.text(".ci/run"), re.MULTILINE):
+        if shown and command not in shown:
+            yield f"docs/testing.md: does not say that .ci/run runs `{command}`"
+
+
 def check(documents, plan, tree):
     """What is wrong with the commands of the documents, and with the table of how they are run."""
-    findings, used = [], set()
+    findings, used = list(_stages(documents, tree)), set()
     for document in documents:
         for command in shell.of_document(document):
             where = f"{command.document}:{command.line}: {command.text}"

@@ -182,6 +182,12 @@ class Commands(TreeTest):
             self.assertTrue(what in found[0] if what else found == [], f"{span}: {found}")
         self.assertEqual(self.findings("`./dev fuzz --target NAME`, `./run.sh --hours 2`, `cmake --preset dev`"), [])
 
+    def test_finds_a_stage_that_the_list_lacks(self):
+        self.write("docs/testing.md", "`lint`\n")
+        self.assertEqual(self.findings(""), ["docs/testing.md: does not say that .ci/run runs `fuzz 60`"])
+        self.write("docs/testing.md", "`fuzz 60`\n")
+        self.assertEqual(self.findings(""), [])
+
     def test_refuses_a_table_that_says_nothing(self):
         for line in ("page.md | ./dev test", "page.md | ./dev test | sometimes", "page.md | ./dev test | by hand:"):
             with self.assertRaises(ValueError, msg=line):
