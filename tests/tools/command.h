@@ -15,14 +15,14 @@ class Command {
 public:
     explicit Command(const QStringList &arguments, const QString &program = QStringLiteral(CANBUS_MONITOR))
     {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C")); // the system's errors in English
-        environment.remove(QStringLiteral("LANGUAGE"));
-        process.setProcessEnvironment(environment);
-        QStringList command = runnable(program) + arguments;
-        process.start(command.takeFirst(), command);
-        if (!process.waitForStarted(kLongestWaitMs))
-            qFatal("the command does not start");
+        start(runnable(program) + arguments);
+    }
+    /// A script of the shell, which gets as its arguments the words that run the monitor with those given
+    /// here.
+    Command(const QString &script, const QStringList &arguments)
+    {
+        start(QStringList {"/bin/sh", "-c", script, "sh"} + runnable(QStringLiteral(CANBUS_MONITOR))
+              + arguments);
     }
     ~Command()
     {
@@ -62,6 +62,17 @@ public:
     QProcess process;
 
 private:
+    void start(QStringList words)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C")); // the system's errors in English
+        environment.remove(QStringLiteral("LANGUAGE"));
+        process.setProcessEnvironment(environment);
+        process.start(words.takeFirst(), words);
+        if (!process.waitForStarted(kLongestWaitMs))
+            qFatal("the command does not start");
+    }
+
     QByteArray m_output;
     QByteArray m_errors;
 };

@@ -290,9 +290,8 @@ void tst_monitor_playback::endsWhenItIsToldWhileItReads()
     QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
     const int reader = ::open(pipe.constData(), O_RDWR); // that reads nothing
     QVERIFY(reader >= 0);
-    Command shell({"-c", "exec \"$0\" --read \"$1\" > \"$2\"", CANBUS_MONITOR, files.write(lines),
-                   QString::fromLocal8Bit(pipe)},
-                  QStringLiteral("/bin/sh"));
+    const QString into = " > \"" + QString::fromLocal8Bit(pipe) + '"';
+    Command shell("exec \"$@\"" + into, {"--read", files.write(lines)});
     const auto waiting = [reader] {
         int size = 0;
         ::ioctl(reader, FIONREAD, &size);

@@ -146,9 +146,7 @@ void tst_monitor_recordings::endsWhenTheDiskIsFull()
     PseudoTerminal line;
     const QString path = files.path("new.pcapng");
     // Files of the shell's children may have 512 bytes.
-    Command shell(
-        {"-c", "ulimit -f 1; exec \"$0\" --port \"$1\" --record \"$2\"", CANBUS_MONITOR, line.name(), path},
-        QStringLiteral("/bin/sh"));
+    Command shell("ulimit -f 1; exec \"$@\"", {"--port", line.name(), "--record", path});
     const auto ends = [&] {
         line.send(QByteArray(16, 'x'));
         return shell.process.state() == QProcess::NotRunning;
