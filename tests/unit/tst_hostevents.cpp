@@ -2,10 +2,10 @@
 #include "hostroot.h"
 #include "logrecorder.h"
 #include "player/canbusplayer.h"
+#include "showndisplay.h"
 
 #include <eventhandler.h>
 #include <mcuvechiclebridge.h>
-#include <srcdsplctrl.h>
 
 #include <QtTest/QTest>
 
@@ -18,11 +18,6 @@ namespace {
 /// The box's screens: number 1, which brings the camera, alone, and all others.
 const QByteArray kCameraScreen = bytes("02");
 const QByteArray kOtherScreens = bytes("fd");
-
-void show(int display)
-{
-    EventHandler::instance()->srcDsplCtrl()->setCurrentDspl(C::DSPLState(display));
-}
 
 /// The numbers of the events that the host gets.
 class EventRecorder : public QObject {

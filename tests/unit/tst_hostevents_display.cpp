@@ -2,8 +2,8 @@
 #include "logrecorder.h"
 #include "player/canbusdatamap.h"
 #include "player/canbusplayer.h"
+#include "showndisplay.h"
 
-#include <eventhandler.h>
 #include <srcdsplctrl.h>
 
 #include <QtTest/QSignalSpy>
@@ -14,11 +14,6 @@
 using namespace canbus;
 
 namespace {
-
-void show(int display)
-{
-    EventHandler::instance()->srcDsplCtrl()->setCurrentDspl(C::DSPLState(display));
-}
 
 QString inDebugForm(int display)
 {

@@ -2,9 +2,8 @@
 #include "logrecorder.h"
 #include "longestwait.h"
 #include "player/canbusplayer.h"
+#include "showndisplay.h"
 
-#include <eventhandler.h>
-#include <srcdsplctrl.h>
 #include <touchevent.h>
 
 #include <QtCore/QCoreApplication>
@@ -22,11 +21,6 @@ constexpr int kFirstMarker = 3001;
 constexpr int kSecondMarker = 3002;
 constexpr int kLowMarker = 3003;
 constexpr int kHighMarker = 3004;
-
-void show(int display)
-{
-    EventHandler::instance()->srcDsplCtrl()->setCurrentDspl(C::DSPLState(display));
-}
 
 void postMarker(int type, int priority = Qt::NormalEventPriority)
 {
