@@ -16,7 +16,6 @@ class TimedProtocol : public QObject {
 public:
     TimedProtocol()
     {
-        m_clock.start();
         // Queued for what the parser thread emits: recorded on this thread alone.
         connect(&m_protocol, &CanbusProtocol::onWritPortData, this, [this](const QByteArray &data) {
             note(QStringLiteral("write ") + QString::fromLatin1(data.toHex()));
@@ -42,6 +41,13 @@ public:
     qint64 gapBefore(int event) const { return timeOf(event) - timeOf(event - 1); }
 
 private:
+    static QElapsedTimer startedClock()
+    {
+        QElapsedTimer clock;
+        clock.start();
+        return clock;
+    }
+
     void note(const QString &event)
     {
         m_events += event;
@@ -49,7 +55,7 @@ private:
     }
 
     LogRecorder m_log;
-    QElapsedTimer m_clock;
+    QElapsedTimer m_clock = startedClock(); // before the protocol starts its timers
     QStringList m_events;
     QList<qint64> m_times;
     VelCanBusProtocol m_protocol;
