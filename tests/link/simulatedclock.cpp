@@ -35,7 +35,7 @@ extern "C" int clock_gettime(clockid_t clock, timespec *time)
     if (!followsVirtualTime || clock != CLOCK_MONOTONIC)
         return machineTime(clock, time);
     const qint64 ns = startNs + VirtualTime::now() * kNsPerMs;
-    time->tv_sec = ns / kNsPerS;
-    time->tv_nsec = ns % kNsPerS;
+    time->tv_sec = time_t(ns / kNsPerS);
+    time->tv_nsec = long(ns % kNsPerS);
     return 0;
 }
