@@ -1,7 +1,7 @@
 """packaging/abi/check.sh refuses what breaks a program, tells of what is new, and passes what is as it was.
 
-Headers are changed in a copy of the installed ones; a library of one file stands for the real one, which would
-take half a minute to build each time.
+Headers are changed in a copy of the installed ones, or of a small one, which compiles in no time; a library of one
+file stands for the real one, which would take half a minute to build each time.
 """
 
 from __future__ import annotations
@@ -30,35 +30,54 @@ void Port::close() { rate = 0; }
 }
 """
 
+SCREEN = """
+namespace canbus {
+struct Screen {
+    int width;
+    int height;
+};
+}
+"""
+
+INTERFACE = """
+#include <screen.h>
+namespace canbus {
+// Of Plain, Kind and Exported a comment alone is no use.
+void screen(Screen *) {}
+}
+"""
+
 
 class Case(unittest.TestCase):
+    """A library, a header of any name, and the baseline of both."""
+
     def setUp(self) -> None:
         self.folder = Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder)
         self.headers = self.folder / "include"
-        shutil.copytree(Case.installed, self.headers)
         self.baseline = self.folder / "baseline"
-        shutil.copytree(Case.baseline_of_library, self.baseline)
-        self.library = Case.compiled
+        self.abi = self.folder / "abi"
+        for name in ("include", "baseline", "abi"):
+            shutil.copytree(Case.common / name, self.folder / name)
+        self.library = Case.common / "libport.so"
 
     @classmethod
     def setUpClass(cls) -> None:
-        if hasattr(Case, "installed"):
+        if hasattr(Case, "common"):
             return
         common = tempfile.TemporaryDirectory()
         unittest.addModuleCleanup(common.cleanup)
-        folder = Path(common.name)
-        install = ["cmake", "--install", str(BUILD), "--component", "Development", "--prefix", str(folder)]
-        subprocess.run(install, check=True, capture_output=True)
-        Case.installed = folder / "include" / "canbusservice"
-        Case.compiled = compile_library(folder, LIBRARY)
-        Case.baseline_of_library = folder / "baseline"
-        Case.baseline_of_library.mkdir()
-        run_check(Case.baseline_of_library, Case.compiled, Case.installed, "--update")
-        shutil.copy(ABI / "types.xml", Case.baseline_of_library)
+        Case.common = folder = Path(common.name)
+        library = compile_library(folder, LIBRARY)
+        shutil.copytree(ABI, folder / "abi")
+        (folder / "abi/interface.cpp").write_text(INTERFACE)
+        for name in ("include", "baseline"):
+            (folder / name).mkdir()
+        (folder / "include/screen.h").write_text(SCREEN)
+        run_check(folder / "abi", folder / "baseline", library, folder / "include", "--update")
 
     def check(self, *options: str) -> tuple[int, str]:
-        return run_check(self.baseline, self.library, self.headers, *options)
+        return run_check(self.abi, self.baseline, self.library, self.headers, *options)
 
     def change_header(self, name: str, old: str, new: str) -> None:
         header = self.headers / name
@@ -85,8 +104,8 @@ def compile_library(folder: Path, source: str) -> Path:
     return library
 
 
-def run_check(baseline: Path, library: Path, headers: Path, *options: str) -> tuple[int, str]:
-    command = [str(ABI / "check.sh"), "--baseline", str(baseline), "--library", str(library)]
+def run_check(abi: Path, baseline: Path, library: Path, headers: Path, *options: str) -> tuple[int, str]:
+    command = [str(abi / "check.sh"), "--baseline", str(baseline), "--library", str(library)]
     command += ["--headers", str(headers), *options]
     done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     return done.returncode, done.stdout
@@ -126,6 +145,23 @@ class Functions(Case):
 
 
 class Types(Case):
+    """In the headers that are installed, with the committed baseline."""
+
+    def setUp(self) -> None:
+        super().setUp()
+        shutil.rmtree(self.headers)
+        shutil.copytree(Types.installed, self.headers)
+        self.abi = ABI
+        shutil.copy(ABI / "types.xml", self.baseline)
+
+    @classmethod
+    def setUpClass(cls) -> None:
+        super().setUpClass()
+        installed = Case.common / "installed"
+        install = ["cmake", "--install", str(BUILD), "--component", "Development", "--prefix", str(installed)]
+        subprocess.run(install, check=True, capture_output=True)
+        Types.installed = installed / "include" / "canbusservice"
+
     def test_a_member_more_in_an_exported_class(self) -> None:
         self.change_header("canbusplayer.h", "CanBusPlayerPrivate *d;", "CanBusPlayerPrivate *d;\n    int more = 0;")
         self.assert_broken("class canbus::CanBusPlayer", "type size changed from 256 to 320")
@@ -153,12 +189,44 @@ class Types(Case):
         self.change_header("linkhealth.h", "NotAccepted,  ", "NotAccepted,\n        Lost, ")
         self.assert_broken("Fate::Lost")
 
-    def test_an_exported_class_that_is_not_looked_at(self) -> None:
-        with (self.headers / "linkhealth.h").open("a") as header:
-            header.write("class CANBUS_EXPORT Unseen { int m_value; };\n")
+    def test_a_type_more_that_is_not_looked_at(self) -> None:
+        self.change_header("linkhealth.h", "    enum class Fate {",
+                           "    enum class Extra { One, Two };\n    enum class Fate {")
         status, output = self.check()
         self.assertEqual(status, 1, output)
-        self.assertIn("interface.cpp does not use Unseen", output)
+        self.assertIn("interface.cpp does not use canbus::LinkHealth::Extra, which", output)
+
+
+class Declarations(Case):
+    def test_a_type_is_watched_whatever_the_name_of_its_header(self) -> None:
+        self.assertIn("name='Screen'", (self.baseline / "types.xml").read_text())
+        self.change_header("screen.h", "int width;", "long width;")
+        self.assert_broken("canbus::Screen", "type size changed")
+
+    def test_each_type_that_a_header_declares_has_to_be_used(self) -> None:
+        (self.headers / "more.h").write_text("""namespace canbus {
+            class __attribute__((visibility("default"))) Exported { int m_value; };
+            struct Plain { int value; };
+            enum class Kind { One, Two };
+        }""")
+        for option in ((), ("--update",)):
+            status, output = self.check(*option)
+            self.assertEqual(status, 1, output)
+            wanted = "interface.cpp does not use canbus::Exported, canbus::Kind, canbus::Plain, which"
+            self.assertIn(wanted, output)
+
+    def test_a_type_that_is_refused_does_not_touch_the_baseline(self) -> None:
+        before = [path.read_text() for path in sorted(self.baseline.iterdir())]
+        (self.headers / "more.h").write_text("struct Plain { int value; };\n")
+        self.check("--update")
+        self.assertEqual([path.read_text() for path in sorted(self.baseline.iterdir())], before)
+
+    def test_a_type_that_is_only_named_or_stands_in_a_function_is_none_to_use(self) -> None:
+        (self.headers / "more.h").write_text(
+            "class Elsewhere; enum class Later : int; struct Outer;\n"
+            "inline int two() { struct Pair { int a, b; }; return Pair {1, 1}.a * 2; }\n")
+        status, output = self.check()
+        self.assertEqual(status, 0, output)
 
 
 class Arguments(unittest.TestCase):
@@ -173,7 +241,7 @@ class Arguments(unittest.TestCase):
         with tempfile.TemporaryDirectory() as folder:
             library = compile_library(Path(folder), LIBRARY)
             subprocess.run(["strip", "--strip-debug", str(library)], check=True)
-            status, output = run_check(ABI, library, Path(folder))
+            status, output = run_check(ABI, ABI, library, Path(folder))
         self.assertEqual(status, 1)
         self.assertIn("no debug information", output)
 
