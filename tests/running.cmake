@@ -64,3 +64,12 @@ function(canbus_run_test name seconds)
     add_dependencies(short_cross_tests ${name})
   endif()
 endfunction()
+
+# canbus_add_test_with(PROGRAM PACKAGE NAME COMMAND...): a test that is a script, and takes a program which not every
+# machine has. It is looked for when the test runs: a missing one skips the test, or fails it where
+# CANBUS_REQUIRE_PROGRAMS is set in the environment.
+function(canbus_add_test_with program package name)
+  add_test(NAME ${name}
+    COMMAND "${PROJECT_SOURCE_DIR}/tests/programs/with_program.sh" "${program}" "${package}" ${ARGN})
+  set_tests_properties(${name} PROPERTIES SKIP_RETURN_CODE 77)
+endfunction()

@@ -4,19 +4,15 @@ from __future__ import annotations
 
 import json
 import os
-import shutil
 import subprocess
-import sys
 import tempfile
 import unittest
 from collections.abc import Iterator, Sequence
 from dataclasses import dataclass
 from pathlib import Path
-from typing import Any, NoReturn
+from typing import Any
 
 DISSECTOR = Path(__file__).resolve().parents[2] / "tools" / "wireshark" / "canbus.lua"
-PROGRAMS = ("tshark", "text2pcap", "editcap")  # the last two come with the first
-SKIPPED = 77  # ctest's SKIP_RETURN_CODE
 
 Json = list[tuple[str, Any]]  # an object of tshark's: it repeats keys
 
@@ -167,15 +163,5 @@ def trees(blocks: Sequence[Block], *arguments: str) -> list[Tree]:
     return [tree for packet in packets(blocks, *arguments) for tree in packet]
 
 
-def skip(reason: str) -> NoReturn:
-    """Where the programs must be there, it is a failure."""
-    required = os.environ.get("CANBUS_REQUIRE_TSHARK") == "1"
-    print(f"{'failed' if required else 'skipped'}: {reason}")
-    sys.exit(1 if required else SKIPPED)
-
-
 def main() -> None:
-    missing = [program for program in PROGRAMS if shutil.which(program) is None]
-    if missing:
-        skip(f"{', '.join(missing)} not found: install the package tshark")
     unittest.main(verbosity=2)
