@@ -141,19 +141,40 @@ private:
         return true;
     }
 
+    static constexpr qint64 kUsPerS = 1000000;
+    static constexpr qint64 kLatestUs = std::numeric_limits<qint64>::max() / 4;
+
+    /// @return count * factor, or the latest time where it is earlier
+    static qint64 product(quint64 count, qint64 factor)
+    {
+        return count > quint64(kLatestUs / factor) ? kLatestUs : qint64(count) * factor;
+    }
+
+    static qint64 ofTenths(quint64 units, int exponent)
+    {
+        for (; exponent > 6 && units != 0; --exponent)
+            units /= 10;
+        qint64 factor = 1;
+        for (; exponent < 6; ++exponent)
+            factor *= 10;
+        return product(units, factor);
+    }
+
     /// What is finer than 2^-32 s is cut off before the time becomes microseconds.
+    static qint64 ofHalves(quint64 units, int exponent)
+    {
+        for (; exponent > 32; --exponent)
+            units /= 2;
+        const quint64 parts = units & ((quint64(1) << exponent) - 1);
+        const auto rest = qint64(parts * quint64(kUsPerS) >> exponent);
+        return std::min(product(units >> exponent, kUsPerS) + rest, kLatestUs);
+    }
+
     static qint64 time(quint64 units, const Interface &of)
     {
-        __extension__ using Wide = __int128;
-        constexpr Wide kLatest = std::numeric_limits<qint64>::max() / 4;
-        int exponent = of.exponent;
-        for (; of.isBinary && exponent > 32; --exponent)
-            units /= 2;
-        Wide us = Wide(units) * 1000000;
-        for (; exponent > 0 && us != 0; --exponent)
-            us /= of.isBinary ? 2 : 10;
-        const Wide seconds = std::clamp<Wide>(of.offset, -kLatest / 1000000, kLatest / 1000000);
-        return qint64(std::clamp<Wide>(std::min(us, kLatest) + seconds * 1000000, 0, kLatest));
+        const qint64 us = of.isBinary ? ofHalves(units, of.exponent) : ofTenths(units, of.exponent);
+        const qint64 seconds = std::clamp<qint64>(of.offset, -kLatestUs / kUsPerS, kLatestUs / kUsPerS);
+        return std::clamp<qint64>(us + seconds * kUsPerS, 0, kLatestUs);
     }
 
     bool m_isBig = false;
