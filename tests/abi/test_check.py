@@ -39,6 +39,19 @@ struct Screen {
 }
 """
 
+MORE_TYPES = """
+#define CANBUS_EXPORT __attribute__((visibility("default")))
+namespace canbus {
+class CANBUS_EXPORT Exported {
+    int m_value;
+};
+struct Plain {
+    int value;
+};
+enum class Kind { One, Two };
+}
+"""
+
 INTERFACE = """
 #include <screen.h>
 namespace canbus {
@@ -204,11 +217,8 @@ class Declarations(Case):
         self.assert_broken("canbus::Screen", "type size changed")
 
     def test_each_type_that_a_header_declares_has_to_be_used(self) -> None:
-        (self.headers / "more.h").write_text("""namespace canbus {
-            class __attribute__((visibility("default"))) Exported { int m_value; };
-            struct Plain { int value; };
-            enum class Kind { One, Two };
-        }""")
+        with (self.headers / "screen.h").open("a") as header:
+            header.write(MORE_TYPES)
         for option in ((), ("--update",)):
             status, output = self.check(*option)
             self.assertEqual(status, 1, output)
@@ -223,8 +233,10 @@ class Declarations(Case):
 
     def test_a_type_that_is_only_named_or_stands_in_a_function_is_none_to_use(self) -> None:
         (self.headers / "more.h").write_text(
-            "class Elsewhere; enum class Later : int; struct Outer;\n"
-            "inline int two() { struct Pair { int a, b; }; return Pair {1, 1}.a * 2; }\n")
+            "class Elsewhere; enum class Later : int;\n"
+            "using Two = int (Elsewhere *, Later);\n"
+            "inline int two() { struct Pair { int a, b; }; return Pair {1, 1}.a * 2; }\n"
+            "static const int kTwo = two();\n")
         status, output = self.check()
         self.assertEqual(status, 0, output)
 
