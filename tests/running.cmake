@@ -27,6 +27,10 @@ if(CMAKE_CROSSCOMPILING)
     message(WARNING "There is no emulator for the tests: they are built, and do not run here. On Debian it is in qemu-user")
   endif()
 endif()
+# Tests in Python are run by this machine's interpreter, which CMake takes for a program like the others.
+find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
+set_target_properties(Python3::Interpreter PROPERTIES CROSSCOMPILING_EMULATOR "")
+
 if(CANBUS_TEST_PATIENCE GREATER 1)
   # QtTest gives each function five minutes.
   math(EXPR canbus_function_limit_ms "300000 * ${CANBUS_TEST_PATIENCE}")
