@@ -239,7 +239,7 @@ mkdir -m 0700 "$XDG_RUNTIME_DIR"
 quietly apt-get -q update
 use_alone check_tools canbus-tools
 use_alone check_headunit canbus-headunit
-use_alone check_qml_module qml-module-canbus qml-module-qtquick2 qml
+use_alone check_qml_module qml-module-canbus qml qml-module-qtquick2 qml-module-qtquick-window2 # what loads a screen
 use_alone check_compiling libcanbusservice-dev cmake g++ make pkg-config
 say "installing ${names[*]}"
 install_by_apt /packages/*.deb
