@@ -13,7 +13,7 @@ print_help() {
 packaging/cross/cross.sh armhf|arm64 [OPTION...]: builds for ARM, runs the tests in an emulator, makes packages
 
 Builds into build/armhf or build/arm64, against a root of Debian 12 that it makes once
-(packaging/cross/sysroot.sh), and lays the packages into build/packages.
+(packaging/cross/sysroot.sh), and lays the packages into build/packages/ARCH.
 
   --short           only what shows first what ARM makes different: some of the tests, and what they take. No packages
   --tests REGEX     only the tests whose names it matches
