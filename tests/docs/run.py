@@ -18,6 +18,7 @@ import time
 
 import claims
 import markdown
+import names
 import plan
 import shell
 
@@ -101,8 +102,10 @@ class Place:
         self.build = pathlib.Path(build).resolve()
         self.folder = self.build / "docs-commands" / "project"
         shutil.rmtree(self.folder.parent, ignore_errors=True)
-        shutil.copytree(root, self.folder, symlinks=True,
-                        ignore=lambda folder, names: {".git", "build", "__pycache__"}.intersection(names))
+        # Without what an earlier command has left in the folder, such as a recording, and git ignores.
+        for name in names.files(root):
+            (self.folder / name).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy2(pathlib.Path(root) / name, self.folder / name, follow_symlinks=False)
         (self.folder / "build").mkdir()
         (self.folder / "build/dev").symlink_to(self.build)
         self.environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", QT_QUICK_BACKEND="software",
