@@ -60,14 +60,14 @@ if is_made; then
     exit 0
 fi
 $is_to_be_made || fail 1 "$folder was not made, or made otherwise"
+if [ -e "$folder" ] && [ ! -e "$made_by" ] && [ -n "$(ls -A "$folder")" ]; then
+    fail 1 "$folder holds something, and no root of this script's: name another folder, or remove it"
+fi
 for program in mmdebstrap dpkg-deb; do
     command -v "$program" >/dev/null || fail 1 "$program is missing: it is in the package ${program/dpkg-deb/dpkg}"
 done
 if [ "$(id -u)" -ne 0 ] && ! command -v newuidmap >/dev/null && ! command -v fakechroot >/dev/null; then
     fail 1 "newuidmap is missing: mmdebstrap takes the package uidmap where you are not root"
-fi
-if [ -e "$folder" ] && [ ! -e "$made_by" ] && [ -n "$(ls -A "$folder")" ]; then
-    fail 1 "$folder holds something, and no root of this script's: name another folder, or remove it"
 fi
 
 new=$(mktemp -d "$folder.XXXXXX")
