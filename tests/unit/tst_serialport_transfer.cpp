@@ -312,6 +312,7 @@ void TestSerialPortTransfer::waitsForTheBuffer()
     connect(inner, &QSerialPort::readyRead, inner, [&arrived] { arrived = true; });
     QVERIFY(port->open(line.name(), kBaud));
     port->moveToThread(&worker);
+    connect(&worker, &QThread::finished, port, &QObject::deleteLater); // on its own thread, when it is through
     {
         QMutexLocker lock(&CanBusReadBuff::instance()->mutex);
         worker.start();
@@ -323,7 +324,6 @@ void TestSerialPortTransfer::waitsForTheBuffer()
         }
     }
     QTRY_COMPARE_WITH_TIMEOUT(bufferedBytes(), bytes("9f 03"), kLongestWaitMs);
-    port->deleteLater();
     worker.quit();
     QVERIFY(worker.wait(kLongestWaitMs));
 }
