@@ -106,8 +106,8 @@ run "$folder/reports" "${tests[@]}" || status=1
 took "running the tests"
 "$here/reports.py" "$folder/reports" | tee "$folder/reports.txt" || status=1
 $are_planted_found || status=1
-"$root/docs/figures/result.py" end races $status --junit "$folder/tests.xml" "short=$is_short" \
-    "planted_found=$are_planted_found" "reports=$(sed -nE 's/^([0-9]+) reports of .*/\1/p' "$folder/reports.txt")"
+"$root/docs/figures/result.py" end races $status "short=$is_short" "planted_found=$are_planted_found" \
+    "reports=$(sed -nE 's/^([0-9]+) reports of .*/\1/p' "$folder/reports.txt")" --junit "$folder/tests.xml"
 
 if [ $status -ne 0 ]; then
     say "FAILED: see above"
