@@ -312,7 +312,8 @@ void TestSerialPortTransfer::waitsForTheBuffer()
     connect(inner, &QSerialPort::readyRead, inner, [&arrived] { arrived = true; });
     QVERIFY(port->open(line.name(), kBaud));
     port->moveToThread(&worker);
-    connect(&worker, &QThread::finished, port, &QObject::deleteLater); // on its own thread, when it is through
+    // On its own thread, when that is through.
+    connect(&worker, &QThread::finished, port, &QObject::deleteLater);
     {
         QMutexLocker lock(&CanBusReadBuff::instance()->mutex);
         worker.start();
