@@ -25,5 +25,6 @@ for folder in unit boxsim link; do
     ctest --test-dir "$build/tests/$folder" --output-on-failure --no-tests=error -j "$((2 * jobs))" \
         --output-junit "$build/$folder.xml" --exclude-regex '^tst_wholelink$' || status=1
 done
-"$result" end sanitize $status --junit "$build/unit.xml" --junit "$build/link.xml"
+"$result" end sanitize $status --junit "$build/unit.xml" --junit "$build/boxsim.xml" \
+    --junit "$build/link.xml"
 exit $status
